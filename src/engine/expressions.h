@@ -1,0 +1,6 @@
+#pragma once
+#include <QString>
+
+QString CreateWindSelectExpression();
+QString CreateSolarSelectExpression();
+void GetSolarLayerChosen();

@@ -1,0 +1,65 @@
+#pragma once
+// The form library's conventions on Qt widgets: positions in twips, a Visible
+// flag of the control's own, and list controls whose selection set from code
+// raises the same click handler as the user's pick.
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QWidget>
+#include <functional>
+
+constexpr int TwipsPerPixel = 15;  // the screen: 1440 twips to the inch at 96 dpi
+
+int TwipsToPx(double twips);
+double PxToTwips(double px);
+
+struct TwipsRect { int Left, Top, Width, Height; };
+void SetTwips(QWidget* w, int left, int top, int width, int height);
+TwipsRect Twips(const QWidget* w);
+void SetLeft(QWidget* w, int twips);
+void SetTop(QWidget* w, int twips);
+void SetWidth(QWidget* w, int twips);
+void SetHeight(QWidget* w, int twips);
+
+// The control's own Visible property, whatever its container shows.
+inline bool Visible(const QWidget* w) { return !w->isHidden(); }
+void SetForeColor(QWidget* w, int rgb);
+int ForeColor(const QWidget* w);
+
+class ComboBox : public QComboBox {
+    Q_OBJECT
+public:
+    explicit ComboBox(QWidget* parent = nullptr, bool editable = false);
+    std::function<void()> Click;
+
+    QString Text() const { return currentText(); }
+    void setText(const QString& s);
+    int ListCount() const { return count(); }
+    int ListIndex() const { return currentIndex(); }
+    // Sets the selection from code and raises Click, also when it is unchanged.
+    void setListIndex(int i);
+    QString List(int i) const { return itemText(i); }
+    void AddItem(const QString& s) { addItem(s); }
+    void Clear() { clear(); }
+};
+
+class ListBox : public QListWidget {
+    Q_OBJECT
+public:
+    explicit ListBox(QWidget* parent = nullptr);
+    int ListCount() const { return count(); }
+    QString List(int i) const;
+    bool Selected(int i) const;
+    void setSelected(int i, bool on);
+    void AddItem(const QString& s);
+    void Clear() { clear(); }
+};
+
+class TextBox : public QLineEdit {
+    Q_OBJECT
+public:
+    explicit TextBox(QWidget* parent = nullptr) : QLineEdit(parent) {}
+    QString Text() const { return text(); }
+};

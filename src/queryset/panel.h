@@ -1,0 +1,4 @@
+#pragma once
+
+void SetQueryInputControls();
+void SetQueryListbox();

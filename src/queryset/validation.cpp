@@ -1,0 +1,4 @@
+// Placeholder until this module is written.
+#include "queryset/validation.h"
+
+bool CheckInputs() { return false; }

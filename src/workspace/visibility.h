@@ -1,0 +1,5 @@
+#pragma once
+#include "mapping/maplayer.h"
+
+void SetDefaultVisibility(const MapLayerPtr& layer);
+bool isSetLayerVisible(const MapLayerPtr& layer);

@@ -1,0 +1,93 @@
+#include "support/testsupport.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <map>
+#include <unistd.h>
+
+#include "datagen.h"
+
+namespace testsupport {
+
+seam::Answer Recorder::message(const QString& text, seam::Buttons buttons, seam::Icon icon)
+{
+    boxes.push_back({text, buttons, icon});
+    if (onBox) onBox(boxes.back());
+    if (buttons == seam::Buttons::OK) return seam::Answer::OK;
+    if (answers.empty()) return seam::Answer::Yes;
+    seam::Answer a = answers.front();
+    answers.pop_front();
+    return a;
+}
+
+seam::FileAnswer Recorder::file(const seam::FileRequest& request)
+{
+    fileRequests.push_back(request);
+    if (files.empty()) return {};
+    seam::FileAnswer a = files.front();
+    files.pop_front();
+    return a;
+}
+
+QStringList Recorder::texts() const
+{
+    QStringList out;
+    for (const auto& b : boxes) out << b.text;
+    return out;
+}
+
+Recorder& recorder()
+{
+    static Recorder r;
+    return r;
+}
+
+std::string tempDir(const std::string& name)
+{
+    namespace fs = std::filesystem;
+    fs::path p = fs::path(MARLOWAN_TEST_TMP) / (std::to_string(getpid()) + "-" + name);
+    fs::remove_all(p);
+    fs::create_directories(p);
+    return p.string();
+}
+
+std::string dataset(const std::string& size, unsigned seed, const std::set<std::string>& omit)
+{
+    static std::map<std::string, std::string> made;
+    std::string key = size + "-" + std::to_string(seed);
+    for (const auto& o : omit) key += "-" + o;
+    auto it = made.find(key);
+    if (it != made.end()) return it->second;
+    std::string dir = tempDir("data-" + std::to_string(made.size()));
+    datagen::Options opt;
+    opt.size = size;
+    opt.seed = seed;
+    opt.omit = omit;
+    datagen::generate(dir, opt);
+    made[key] = dir;
+    return dir;
+}
+
+seam::FileAnswer fileAnswer(const QString& path)
+{
+    seam::FileAnswer a;
+    a.cancelled = false;
+    a.fileName = path;
+    a.fileTitle = QFileInfo(path).fileName();
+    return a;
+}
+
+}  // namespace testsupport
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QApplication::setApplicationName("Marlowan");
+    seam::setHandler(&testsupport::recorder());
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
