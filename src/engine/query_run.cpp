@@ -1,13 +1,176 @@
-// Placeholder until this module is written.
+// The press of Update Map (which is also Cancel), the dispatch by query name,
+// the result model and the helpers every query routine shares.
 #include "engine/query_run.h"
-#include "app/frmMain.h"
 
-void fill_cShapes_collection(const QString&) {}
-bool QueryResults() { return false; }
-void draw_query_results(Map*) {}
-void HideContextLayers(const QStringList&, bool) {}
-void ShowProgress(const QString&) {}
-QString ProgressText(const QString& p, double) { return p; }
-void YieldToEvents() {}
-void AppendResult(const ShapePtr&, Recordset&, const QString&) {}
-void FrmMain::cmdUpdateMap_Click() {}
+#include <QCoreApplication>
+
+#include "app/frmMain.h"
+#include "app/messages.h"
+#include "engine/expressions.h"
+#include "engine/queries.h"
+#include "mapping/platform.h"
+#include "presentation/renderers.h"
+#include "queryset/catalogue.h"
+#include "queryset/validation.h"
+#include "workspace/state.h"
+
+namespace {
+
+const QString kUpdateMap = QStringLiteral("Update Map");
+
+QString keyOf(int count) { return QString::number(count); }
+
+}  // namespace
+
+void FrmMain::cmdUpdateMap_Click()
+{
+    try {
+        bQueryDrawn = false;
+
+        if (cboSelectQuery->Text() == QLatin1String("Best Solar X kWh/m2/day")) {
+            QString message;
+            if (!isQueryPossible(cboQueryDropDown3->Text(), message)) {
+                DisplayError(message);
+                return;
+            }
+        }
+
+        cmdShowData->setVisible(false);
+
+        // A press while the caption reads "Cancel": the running query lies below
+        // this call on the stack and sees the flag at its next poll.
+        if (cmdUpdateMap->text() != kUpdateMap) {
+            bCancelQuery = true;
+            return;
+        }
+        bCancelQuery = false;
+
+        if (!CheckInputs()) return;
+
+        SetForeColor(lblWorking, RGB(0, 0, 255));
+        ControlEnable(false);
+        RepaintNow();
+
+        fill_cShapes_collection(cboSelectQuery->Text());
+
+        cmdShowData->setVisible(QueryResults());
+        legend->ClearLegend();
+        legend->FillLegend(true);
+        ControlEnable(true);
+
+        bQueryDrawn = false;
+        Map1->Refresh();
+        RepaintNow();
+        bQueryDrawn = false;
+    } catch (...) {
+        ErrorMessage(" Error while trying to run the query and updata map. Error Source:frmMain.cmdUpdateMap_Click()", 48);
+    }
+}
+
+void fill_cShapes_collection(const QString& sQueryName)
+{
+    try {
+        cShapes = std::make_shared<Collection<ShapePtr>>();
+        cSymbols = std::make_shared<Collection<SymbolPtr>>();
+        cGridDistances = std::make_shared<Collection<float>>();
+        bQueryRunning = true;
+
+        FrmMain& f = frmMain();
+        if (sQueryName == QLatin1String("Wind by Power Density")) {
+            wind_class_x_or_better();
+        } else if (sQueryName == QLatin1String("Best wind - protected areas")) {
+            wind_minus_protected_areas();
+        } else if (sQueryName == QLatin1String("Best wind + land use")) {
+            wind_with_land_use();
+        } else if (sQueryName == QLatin1String("Best wind + roads")) {
+            sngRoadDistance = vb::CSng(f.txtQuery1[2]->Text());
+            wind_with_roads();
+        } else if (sQueryName == QLatin1String("Best wind + transmission")) {
+            sngTransmissionDistance = vb::CSng(f.txtQuery1[2]->Text());
+            wind_with_transmission();
+        } else if (sQueryName == QLatin1String("Best wind (all)")) {
+            sngTransmissionDistance = vb::CSng(f.txtQuery1[1]->Text());
+            sngRoadDistance = vb::CSng(f.txtQuery1[2]->Text());
+            wind_all();
+        } else if (sQueryName == QLatin1String("Best Solar X kWh/m2/day")) {
+            GetSolarLayerChosen();
+            sngSolarMinimum = vb::CSng(f.txtQuery1[2]->Text());
+            solar_x_kwhm2_or_better();
+        } else if (sQueryName == QLatin1String("Best solar off-grid systems")) {
+            GetSolarLayerChosen();
+            best_solar_off_grid_systems();
+        }
+
+        bQueryRunning = false;
+    } catch (...) {
+        // bQueryRunning stays set: nothing is drawn until a later run ends normally.
+        ErrorMessage(" Error Source:md_query_functions2.fill_cShapes_collection()", 48);
+    }
+}
+
+bool QueryResults()
+{
+    try {
+        if (!cShapes) return false;
+        if (bCancelQuery) return false;
+        return cShapes->Count() >= 1;
+    } catch (...) {
+        ErrorMessage(" Error Source:md_query_functions2.QueryResults()", 48);
+        return false;
+    }
+}
+
+void draw_query_results(Map* oMap)
+{
+    try {
+        if (!cShapes) return;
+        if (cShapes->Count() == 0 || bQueryRunning) return;
+        const int n = cShapes->Count();
+        for (int i = 0; i < n; ++i) {
+            const QString key = keyOf(i);
+            oMap->DrawShape(cShapes->Item(key), cSymbols->Item(key));
+        }
+    } catch (...) {
+        ErrorMessage(" Error Source:md_query_functions2.draw_query_results()", 48);
+    }
+}
+
+void HideContextLayers(const QStringList& files, bool refresh)
+{
+    FrmMain& f = frmMain();
+    for (const QString& file : files) {
+        QString message;
+        if (isLayerExist(file, message)) f.Map1->Layers().Item(cLayerIndex->Item(file))->Visible = false;
+    }
+    if (refresh) {
+        f.Map1->Refresh();
+        f.RepaintNow();
+    }
+}
+
+void ShowProgress(const QString& text)
+{
+    FrmMain& f = frmMain();
+    f.lblWorking->setText(text);
+    f.RepaintNow();
+}
+
+QString ProgressText(const QString& prefix, double fraction)
+{
+    return prefix + vb::FormatPercent(fraction) + QStringLiteral(" finished");
+}
+
+void YieldToEvents()
+{
+    QCoreApplication::processEvents();
+}
+
+void AppendResult(const ShapePtr& shape, Recordset& record, const QString& field)
+{
+    auto symbol = std::make_shared<Symbol>();
+    symbol->Outline = false;
+    cShapes->Add(shape, keyOf(cShapes->Count()));
+    SetClassSymbolColor(field, record.Fields()(field).toDouble(), symbol);
+    cSymbols->Add(symbol, keyOf(cSymbols->Count()));
+    cFieldValues->Add(record.Fields()(field).Value(), keyOf(cFieldValues->Count()));
+}
