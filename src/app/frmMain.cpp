@@ -1,0 +1,701 @@
+// The main window: its controls as designed, start and shut-down, the enabled
+// state of the interface, the zoom and pan tools and the map's draw events.
+#include "app/frmMain.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QMenu>
+#include <QMenuBar>
+#include <QThread>
+#include <QUrl>
+#include <cmath>
+
+#include "app/frmSplash.h"
+#include "app/messages.h"
+#include "app/scale.h"
+#include "engine/query_run.h"
+#include "info/frmInfo.h"
+#include "mapping/platform.h"
+#include "print/frmPrint.h"
+#include "queryset/catalogue.h"
+#include "results/frmShowQueryData.h"
+#include "workspace/frmShowLayersDialog.h"
+#include "workspace/state.h"
+
+namespace {
+
+FrmMain* g_frmMain = nullptr;
+bool g_unloading = false;
+
+// The application's help file, set at load; the help command passes the bare
+// name instead, so the viewer looks in the current directory.
+QString g_appHelpFile;
+const QString kHelpFileName = QStringLiteral("Dovrik_ONLINE_DOC.chm");
+
+const QString kDataSourceSite = QStringLiteral("https://data.kelvora.example/sources");
+
+QLabel* makeLabel(QWidget* parent, const QString& text, int l, int t, int w, int h, bool bold = false)
+{
+    auto* lbl = new QLabel(text, parent);
+    SetTwips(lbl, l, t, w, h);
+    lbl->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    if (bold) {
+        QFont f = lbl->font();
+        f.setBold(true);
+        lbl->setFont(f);
+    }
+    return lbl;
+}
+
+QPushButton* makeButton(QWidget* parent, const QString& text, int l, int t, int w, int h)
+{
+    auto* b = new QPushButton(text, parent);
+    SetTwips(b, l, t, w, h);
+    return b;
+}
+
+QFrame* makeFrame(QWidget* parent, int l, int t, int w, int h)
+{
+    auto* f = new QFrame(parent);
+    f->setFrameShape(QFrame::NoFrame);
+    SetTwips(f, l, t, w, h);
+    return f;
+}
+
+void paintBackground(QWidget* w, const QColor& bg)
+{
+    QPalette p = w->palette();
+    p.setColor(QPalette::Window, bg);
+    w->setPalette(p);
+    w->setAutoFillBackground(true);
+}
+
+// Option buttons on the black map holder: white text on black.
+QRadioButton* makeDarkOption(QWidget* parent, const QString& text, int l, int t, int w, int h)
+{
+    auto* o = new QRadioButton(text, parent);
+    SetTwips(o, l, t, w, h);
+    QPalette p = o->palette();
+    p.setColor(QPalette::Window, Qt::black);
+    p.setColor(QPalette::WindowText, Qt::white);
+    p.setColor(QPalette::ButtonText, Qt::white);
+    p.setColor(QPalette::Text, Qt::white);
+    o->setPalette(p);
+    o->setAutoFillBackground(true);
+    return o;
+}
+
+}  // namespace
+
+FrmMain::FrmMain()
+{
+    buildControls();
+}
+
+FrmMain::~FrmMain()
+{
+    if (g_frmMain == this)
+        g_frmMain = nullptr;
+}
+
+void FrmMain::buildControls()
+{
+    setWindowTitle(QStringLiteral("Marlowan"));
+
+    auto* client = new QWidget(this);
+    paintBackground(client, Qt::white);
+    QFont formFont = client->font();
+    formFont.setPointSizeF(8.25);
+    client->setFont(formFont);
+    setCentralWidget(client);
+
+    // --- menus ---
+    mnuFile = menuBar()->addMenu(QStringLiteral("File"));
+    mnuOpen = mnuFile->addAction(QStringLiteral("Open Dataset..."));
+    mnuSave = mnuFile->addAction(QStringLiteral("Save Result"));
+    mnuPrint = mnuFile->addAction(QStringLiteral("Print"));
+    mnuExit = mnuFile->addAction(QStringLiteral("Exit"));
+    mnuHelp = menuBar()->addAction(QStringLiteral("Help"));
+
+    // --- the strip at the top and the query choice ---
+    Toolbar1 = new QWidget(client);
+    SetTwips(Toolbar1, 0, 0, 12630, 420);
+    lblSelectQuery = makeLabel(client, QStringLiteral("Select Query:"), 120, 480, 1335, 255, true);
+    cboSelectQuery = new ComboBox(client, false);
+    SetTwips(cboSelectQuery, 120, 720, 3615, 315);
+
+    // --- the map group on black ---
+    fraMapHolder = new QFrame(client);
+    fraMapHolder->setFrameShape(QFrame::NoFrame);
+    paintBackground(fraMapHolder, Qt::black);
+    SetTwips(fraMapHolder, 3825, 270, 8790, 7710);
+
+    cmdOriginalMap = makeButton(fraMapHolder, QStringLiteral("Back to Original Map"), 210, 210, 1740, 300);
+    cmdOriginalMap->setVisible(false);
+    QFont courier(QStringLiteral("Courier New"));
+    courier.setStyleHint(QFont::Monospace);
+    courier.setPointSizeF(formFont.pointSizeF());
+    cmdZoomIn = makeButton(fraMapHolder, QStringLiteral("+"), 5280, 210, 330, 330);
+    cmdZoomIn->setFont(courier);
+    cboScale = new ComboBox(fraMapHolder, true);
+    SetTwips(cboScale, 5640, 210, 2565, 315);
+    cboScale->setText(QStringLiteral("Scale Drop-down"));
+    cmdZoomOut = makeButton(fraMapHolder, QStringLiteral("-"), 8280, 210, 330, 330);
+    cmdZoomOut->setFont(courier);
+    optPanZoom[0] = makeDarkOption(fraMapHolder, QStringLiteral("Pan"), 2100, 300, 645, 225);
+    optPanZoom[1] = makeDarkOption(fraMapHolder, QStringLiteral("Zoom"), 3120, 300, 750, 225);
+    optPanZoom[2] = makeDarkOption(fraMapHolder, QStringLiteral("Info"), 4320, 300, 630, 225);
+    {
+        const QSignalBlocker block(optPanZoom[1]);
+        optPanZoom[1]->setChecked(true);
+    }
+    Map1 = new Map(fraMapHolder);
+    SetTwips(Map1, 90, 630, 8565, 6705);
+    lblMapNote = makeLabel(fraMapHolder,
+                           QStringLiteral("Marlowan from Kelvora, a Tessimar Project.  For data source information, goto ")
+                               + kDataSourceSite + QStringLiteral("."),
+                           120, 7380, 7815, 285);
+    SetForeColor(lblMapNote, RGB(255, 255, 255));
+
+    // --- the left side: the start-up picture, later the edit/legend panels ---
+    fraStartUpImage = makeFrame(client, 120, 1080, 3495, 6495);
+    Image1 = new QLabel(fraStartUpImage);
+    SetTwips(Image1, 120, 120, 3240, 6255);
+    Image1->setPixmap(StartUpPicture());
+
+    fraEditLegend = makeFrame(client, 120, 1080, 3495, 6495);
+    fraEditLegend->setVisible(false);
+    optEditLegend[0] = new QRadioButton(QStringLiteral("Edit Map"), fraEditLegend);
+    SetTwips(optEditLegend[0], 120, 210, 1065, 345);
+    optEditLegend[1] = new QRadioButton(QStringLiteral("Show Map legend"), fraEditLegend);
+    SetTwips(optEditLegend[1], 1620, 210, 1680, 345);
+    {
+        const QSignalBlocker block(optEditLegend[0]);
+        optEditLegend[0]->setChecked(true);
+    }
+    Line1 = new QFrame(fraEditLegend);
+    Line1->setFrameShape(QFrame::HLine);
+    Line1->setFrameShadow(QFrame::Plain);
+    SetTwips(Line1, 120, 120, 3360, 15);
+
+    fraEdit = makeFrame(fraEditLegend, 120, 570, 3255, 5925);
+    Label4 = makeLabel(fraEdit, QStringLiteral("Query Parameters"), 150, 0, 1995, 255, true);
+    fraEditQueryParameters = new QGroupBox(QString(), fraEdit);
+    SetTwips(fraEditQueryParameters, 150, 240, 3015, 2835);
+    cmdShowData = makeButton(fraEdit, QStringLiteral("Results Table"), 720, 3120, 1215, 375);
+    cmdShowData->setVisible(false);
+    cmdUpdateMap = makeButton(fraEdit, QStringLiteral("Update Map"), 2100, 3120, 1035, 375);
+    lblWorking = makeLabel(fraEdit, QStringLiteral("Creating Map..."), 60, 3510, 3135, 555);
+    {
+        QFont f = lblWorking->font();
+        f.setPointSizeF(9.75);
+        lblWorking->setFont(f);
+        lblWorking->setWordWrap(true);
+        SetForeColor(lblWorking, RGB(0, 0, 255));
+        lblWorking->setVisible(false);
+    }
+    Label2 = makeLabel(fraEdit, QStringLiteral("Layers currently displayed"), 150, 4020, 2895, 255, true);
+    lblLayersCurrentlyDisplayed = makeLabel(fraEdit, QString(), 150, 4290, 3000, 1155);
+    lblLayersCurrentlyDisplayed->setWordWrap(true);
+    cmdChangeLayers = makeButton(fraEdit, QStringLiteral("Change Layers..."), 1200, 5520, 2055, 375);
+
+    fraLegend = makeFrame(fraEditLegend, 120, 600, 3375, 5895);
+    fraLegend->setVisible(false);
+    // The label lies under the legend and is never seen once that is drawn.
+    Label5 = makeLabel(fraLegend, QStringLiteral("show legend stuff here..."), 120, 360, 2775, 615);
+    legend = new Legend(fraLegend);
+    SetTwips(legend, 0, 120, 3255, 5775);
+    legend->raise();
+
+    // --- the query panel, every control of every query ---
+    QWidget* panel = fraEditQueryParameters;
+    const int lblTops[6][4] = {{600, 240, 2250, 255},  {570, 600, 2400, 255},  {570, 960, 2400, 255},
+                               {570, 1320, 2400, 255}, {120, 1680, 2400, 255}, {1770, 1260, 1170, 465}};
+    for (int i = 0; i < 6; ++i) {
+        lblQuery1[size_t(i)] = makeLabel(panel, i == 5 ? QStringLiteral("remove protected areas ") : QStringLiteral("lblQuery1"),
+                                         lblTops[i][0], lblTops[i][1], lblTops[i][2], lblTops[i][3]);
+        lblQuery1[size_t(i)]->setWordWrap(i == 5);
+        lblQuery1[size_t(i)]->setVisible(i == 0);
+    }
+    for (int i = 0; i < 4; ++i) {
+        auto* t = new TextBox(panel);
+        SetTwips(t, 90, 180 + 360 * i, 500, 285);
+        t->setText(QStringLiteral("5"));
+        t->setVisible(i == 0);
+        txtQuery1[size_t(i)] = t;
+    }
+    cboQueryDropDown = new ComboBox(panel, true);
+    SetTwips(cboQueryDropDown, 90, 540, 1365, 315);
+    cboQueryDropDown->setText(QStringLiteral("cboQueryDropDown"));
+    cboQueryDropDown->setVisible(false);
+    cboQueryDropDown2 = new ComboBox(panel, true);
+    SetTwips(cboQueryDropDown2, 1620, 540, 1275, 315);
+    cboQueryDropDown2->setText(QStringLiteral("cboQueryDropDown2"));
+    cboQueryDropDown2->setVisible(false);
+    cboQueryDropDown3 = new ComboBox(panel, false);
+    SetTwips(cboQueryDropDown3, 120, 1890, 2775, 315);
+    cboQueryDropDown3->setVisible(false);
+    lstQuery1 = new ListBox(panel);
+    SetTwips(lstQuery1, 90, 1890, 2805, 840);
+    lstQuery1->setSelectionMode(QAbstractItemView::MultiSelection);
+    lstQuery1->setVisible(false);
+    chkProtectedAreas = new QCheckBox(QString(), panel);
+    SetTwips(chkProtectedAreas, 2130, 1290, 225, 195);
+    chkProtectedAreas->setChecked(true);
+    chkProtectedAreas->setVisible(false);
+
+    // Client area as designed; the menu bar lies above it.
+    resize(TwipsToPx(12630), TwipsToPx(8025) + menuBar()->sizeHint().height());
+
+    // --- events ---
+    connect(mnuOpen, &QAction::triggered, this, [this] { mnuOpen_Click(); });
+    connect(mnuSave, &QAction::triggered, this, [this] { mnuSave_Click(); });
+    connect(mnuPrint, &QAction::triggered, this, [this] { mnuPrint_Click(); });
+    connect(mnuExit, &QAction::triggered, this, [this] { mnuExit_Click(); });
+    connect(mnuHelp, &QAction::triggered, this, [this] { mnuHelp_Click(); });
+
+    cboSelectQuery->Click = [this] { cboSelectQuery_Click(); };
+    cboQueryDropDown3->Click = [this] { cboQueryDropDown3_Click(); };
+
+    connect(cmdOriginalMap, &QPushButton::clicked, this, [this] { cmdOriginalMap_Click(); });
+    connect(cmdZoomIn, &QPushButton::clicked, this, [this] { cmdZoomIn_Click(); });
+    connect(cmdZoomOut, &QPushButton::clicked, this, [this] { cmdZoomOut_Click(); });
+    connect(cmdShowData, &QPushButton::clicked, this, [this] { cmdShowData_Click(); });
+    connect(cmdUpdateMap, &QPushButton::clicked, this, [this] { cmdUpdateMap_Click(); });
+    connect(cmdChangeLayers, &QPushButton::clicked, this, [this] { cmdChangeLayers_Click(); });
+    for (int i = 0; i < 3; ++i)
+        connect(optPanZoom[size_t(i)], &QRadioButton::toggled, this, [this, i](bool on) {
+            if (on)
+                optPanZoom_Click(i);
+        });
+    for (int i = 0; i < 2; ++i)
+        connect(optEditLegend[size_t(i)], &QRadioButton::toggled, this, [this, i](bool on) {
+            if (on)
+                optEditLegend_Click(i);
+        });
+
+    connect(Map1, &Map::MouseDown, this, &FrmMain::Map1_MouseDown, Qt::DirectConnection);
+    connect(Map1, &Map::MouseMove, this, &FrmMain::Map1_MouseMove, Qt::DirectConnection);
+    connect(Map1, &Map::MouseUp, this, &FrmMain::Map1_MouseUp, Qt::DirectConnection);
+    connect(Map1, &Map::BeforeLayerDraw, this, &FrmMain::Map1_BeforeLayerDraw, Qt::DirectConnection);
+    connect(Map1, &Map::AfterLayerDraw, this, &FrmMain::Map1_AfterLayerDraw, Qt::DirectConnection);
+    connect(Map1, &Map::BeforeTrackingLayerDraw, this, &FrmMain::Map1_BeforeTrackingLayerDraw, Qt::DirectConnection);
+    connect(Map1, &Map::AfterTrackingLayerDraw, this, &FrmMain::Map1_AfterTrackingLayerDraw, Qt::DirectConnection);
+    connect(legend, &Legend::AfterSetLayerVisible, this, &FrmMain::legend_AfterSetLayerVisible, Qt::DirectConnection);
+}
+
+// The window manager's frame is not ours to measure: the outer size is the
+// window with its menu bar.
+int FrmMain::FormWidth() const { return int(std::lround(PxToTwips(width()))); }
+int FrmMain::FormHeight() const { return int(std::lround(PxToTwips(height()))); }
+
+void FrmMain::setFormSize(int widthTwips, int heightTwips)
+{
+    resize(TwipsToPx(widthTwips), TwipsToPx(heightTwips));
+    // A hidden window gets its resize event only when shown; the form's own
+    // resize routine runs at each change all the same.
+    if (!isVisible())
+        Form_Resize();
+}
+
+void FrmMain::RepaintNow()
+{
+    // Everything but the map, which would only blit its cache anyway.
+    for (QWidget* w : {static_cast<QWidget*>(lblSelectQuery), static_cast<QWidget*>(cboSelectQuery),
+                       static_cast<QWidget*>(fraStartUpImage), static_cast<QWidget*>(fraEditLegend),
+                       static_cast<QWidget*>(cmdOriginalMap), static_cast<QWidget*>(cmdZoomIn),
+                       static_cast<QWidget*>(cboScale), static_cast<QWidget*>(cmdZoomOut),
+                       static_cast<QWidget*>(optPanZoom[0]), static_cast<QWidget*>(optPanZoom[1]),
+                       static_cast<QWidget*>(optPanZoom[2]), static_cast<QWidget*>(lblMapNote)}) {
+        if (w && w->isVisible())
+            w->repaint();
+    }
+}
+
+void FrmMain::resizeEvent(QResizeEvent* e)
+{
+    QMainWindow::resizeEvent(e);
+    Form_Resize();
+}
+
+void FrmMain::closeEvent(QCloseEvent* e)
+{
+    e->accept();
+    if (g_frmMain == this && !g_unloading) {
+        g_unloading = true;
+        Form_Unload();
+        g_frmMain = nullptr;
+        g_unloading = false;
+        deleteLater();
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Lifecycle
+
+void FrmMain::Form_Load()
+{
+    try {
+        const QString programDir = QCoreApplication::applicationDirPath();
+        g_appHelpFile = programDir + QDir::separator() + kHelpFileName;
+
+        bShowMarkedShape = true;
+        sDataDirectory = programDir;
+
+        bFirstQuery = true;
+        iToolMode = 1;
+        iZoomFactor = 2;
+
+        FillcboSelectQuery(cboSelectQuery);
+
+        if (optPanZoom[size_t(iToolMode)]->isChecked())
+            optPanZoom_Click(iToolMode);  // already chosen at design: the click comes all the same
+        else
+            optPanZoom[size_t(iToolMode)]->setChecked(true);
+
+        UpdateInterface();
+
+        legend->BindLegendToMap(Map1);
+        legend->FillLegend(true);
+
+        setFormSize(FormWidth(), 8835);
+        SetHeight(Toolbar1, 420);
+
+        iFrameWidthMargin = vb::CInt(FormWidth() - Twips(fraMapHolder).Width);
+        iFrameHeightMargin = vb::CInt(FormHeight() - Twips(fraMapHolder).Height);
+        iMapWidthMargin = vb::CInt(FormWidth() - Twips(Map1).Width);
+        iMapHeightMargin = vb::CInt(FormHeight() - Twips(Map1).Height);
+
+        sStandardFiles = {
+            "01_elevation.shp",       "02_landuse.shp",        "11_solar_direct.shp",    "12_solar_tilt.shp",
+            "13_solar_direct.shp",    "14_solar_glo.shp",      "15_solar_glo.shp",       "16_solar_tilt.shp",
+            "17_solar_direct.shp",    "18_solar_tilt.shp",     "20_wind.shp",            "21_wind.shp",
+            "22_wind.shp",            "30_lakes.shp",          "31_protectedarea.shp",   "36_subcountrybnd3.shp",
+            "37_subcountrybnd2.shp",  "38_subcountrybnd1.shp", "39_countryboundary.shp", "40_rivers.shp",
+            "42_railroad.shp",        "43_roads.shp",          "44_transmissionline.shp", "50_protectedarea.shp",
+            "51_powerplant.shp",      "52_facilities.shp",     "53_airports.shp",        "59_cities.shp",
+        };
+
+        sFieldName = QString();
+        bFormLoaded = true;
+    } catch (...) {
+        ErrorMessage(" Error while loading the main form. Error Source:frmMain.Form_Load()", 48);
+    }
+}
+
+void FrmMain::Form_Resize()
+{
+    try {
+        const int W = FormWidth();
+        const int H = FormHeight();
+        if (W - iFrameWidthMargin <= 0 || H - iFrameHeightMargin <= 0 || W - iMapWidthMargin <= 0
+            || H - iMapHeightMargin <= 0 || !bFormLoaded)
+            return;
+        SetWidth(fraMapHolder, W - iFrameWidthMargin);
+        SetHeight(fraMapHolder, H - iFrameHeightMargin);
+        SetWidth(Map1, W - iMapWidthMargin);
+        SetHeight(Map1, H - iMapHeightMargin);
+        const TwipsRect m = Twips(Map1);
+        SetTop(lblMapNote, m.Height + m.Top + 45);
+    } catch (...) {
+        ErrorMessage(" Error while resizing main form. Error Source:frmMain.Form_Resize()", 48);
+    }
+}
+
+void FrmMain::Form_Unload()
+{
+    try {
+        // The open forms, last to first.
+        UnloadFrmInfo();
+        UnloadFrmShowQueryData();
+        UnloadFrmPrint();
+        unloadFrmShowLayersDialog();
+        discardFrmSplash();
+    } catch (...) {
+        ErrorMessage(" Error while unloading Main Form. Error Source:frmInfo.Form_Unload()", 48);
+    }
+}
+
+void FrmMain::mnuExit_Click()
+{
+    unloadFrmMain();
+}
+
+void FrmMain::mnuHelp_Click()
+{
+    try {
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QDir::current().absoluteFilePath(kHelpFileName)));
+    } catch (...) {
+        ErrorMessage(" Error while trying to open Help. Error Source:frmMain.mnuHelp_Click()", 48);
+    }
+}
+
+FrmMain& frmMain()
+{
+    if (!g_frmMain) {
+        g_frmMain = new FrmMain;
+        g_frmMain->Form_Load();
+    }
+    return *g_frmMain;
+}
+
+bool frmMainExists()
+{
+    return g_frmMain != nullptr;
+}
+
+void unloadFrmMain()
+{
+    if (!g_frmMain || g_unloading)
+        return;
+    FrmMain* f = g_frmMain;
+    g_unloading = true;
+    f->Form_Unload();
+    g_frmMain = nullptr;
+    g_unloading = false;
+    f->hide();
+    // Inside the running program the call comes from one of the form's own
+    // events, so the form goes once that event is over.
+    if (QThread::currentThread()->loopLevel() > 0)
+        f->deleteLater();
+    else
+        delete f;
+}
+
+// ---------------------------------------------------------------------------
+// Interface state
+
+void FrmMain::ControlEnable(bool bEnable)
+{
+    try {
+        Map1->setMousePointer(bEnable ? 0 : 11);
+        cmdUpdateMap->setText(bEnable ? QStringLiteral("Update Map") : QStringLiteral("Cancel"));
+        lblWorking->setVisible(!bEnable);
+        cboSelectQuery->setEnabled(bEnable);
+        cmdChangeLayers->setEnabled(bEnable);
+        RepaintNow();
+    } catch (...) {
+        ErrorMessage(" Error while trying to control the enable/disbale status of controls. Error Source:frmMain.ControlEnable()", 48);
+    }
+}
+
+void FrmMain::UpdateInterface()
+{
+    try {
+        FillScaleComboBox();
+        Fill_lblLayersCurrentlyDisplayed();
+        EnablePanZoomControls(Map1->Layers().Count() > 0);
+    } catch (...) {
+        ErrorMessage(" Error while updating interface. Error Source:frmMain.UpdateInterface()", 48);
+    }
+}
+
+void FrmMain::EnablePanZoomControls(bool bEnable)
+{
+    try {
+        cmdZoomIn->setEnabled(bEnable);
+        cmdZoomOut->setEnabled(bEnable);
+        cboScale->setEnabled(bEnable);
+
+        bool zoomedIn = false;
+        if (bEnable) {
+            const RectanglePtr full = Map1->FullExtent();
+            const RectanglePtr extent = Map1->Extent();
+            if (!full || !extent)
+                throw MapError("map without extent");
+            zoomedIn = full->Height() > extent->Height() || full->Width() > extent->Width();
+        }
+        cmdOriginalMap->setVisible(zoomedIn && bEnable);
+
+        for (QRadioButton* o : optPanZoom)
+            o->setEnabled(bEnable);
+        cboSelectQuery->setEnabled(bEnable);
+    } catch (...) {
+        ErrorMessage(" Error while trying to enable pan/zoom controls. Error Source:frmMain.EnablePanZoomControls()", 48);
+    }
+}
+
+void FrmMain::optEditLegend_Click(int index)
+{
+    try {
+        if (!bFirstQuery)
+            EditOrLegend(index);
+    } catch (...) {
+        ErrorMessage(" Error while selecting edit map/legend option. Error Source:frmMain.optEditLegend_Click()", 48);
+    }
+}
+
+void FrmMain::EditOrLegend(int index)
+{
+    try {
+        fraEdit->setVisible(index == 0);
+        fraLegend->setVisible(index == 1);
+    } catch (...) {
+        ErrorMessage(" Error while selecting edit map/legend option. Error Source:frMain.EditOrLegend()", 48);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Navigation
+
+void FrmMain::cmdZoomIn_Click()
+{
+    try {
+        bQueryDrawn = false;
+        RectanglePtr r = Map1->Extent();
+        r->ScaleRectangle(1.0 / iZoomFactor);
+        Map1->setExtent(*r);
+    } catch (...) {
+        ErrorMessage(" Error while Zoom In. Error Source:frmMain.cmdZoomIn_Click()", 48);
+    }
+}
+
+void FrmMain::cmdZoomOut_Click()
+{
+    try {
+        bQueryDrawn = false;
+        RectanglePtr r = Map1->Extent();
+        r->ScaleRectangle(iZoomFactor);
+        Map1->setExtent(*r);
+    } catch (...) {
+        ErrorMessage(" Error while Zoom Out. Error Source:frmMain.cmdZoomOut_Click()", 48);
+    }
+}
+
+void FrmMain::cmdOriginalMap_Click()
+{
+    try {
+        bQueryDrawn = false;
+        RectanglePtr full = Map1->FullExtent();
+        if (!full)
+            throw MapError("map without extent");
+        Map1->setExtent(*full);
+    } catch (...) {
+        ErrorMessage(" Error while trying to display orginal map. Error Source:frmMain.cmdOriginalMap_Click()", 48);
+    }
+}
+
+void FrmMain::optPanZoom_Click(int index)
+{
+    try {
+        bQueryDrawn = false;
+        iToolMode = int16_t(index);
+    } catch (...) {
+        ErrorMessage(" Error while selecting Pan/Zoom option. Error Source:frmMain.optPanZoom_Click()", 48);
+    }
+}
+
+void FrmMain::FillScaleComboBox()
+{
+    try {
+        cboScale->Clear();
+        cboScale->AddItem(CalculateScale(Map1));
+        cboScale->setCurrentIndex(0);  // the list has no handler to raise
+    } catch (...) {
+        ErrorMessage(" Error while setting the current scale. Error Source:frmMain.FillScaleComboBox()", 48);
+    }
+}
+
+void FrmMain::Map1_MouseDown(int button, int shift, float x, float y)
+{
+    try {
+        iDownX = vb::CInt(x);
+        iDownY = vb::CInt(y);
+        if (!cmdZoomIn->isEnabled())
+            return;
+        switch (iToolMode) {
+        case 0:
+            Map1->Pan();
+            break;
+        case 1: {
+            // A click without a drag gives no rectangle to zoom to; MouseUp
+            // gives that click its meaning.
+            RectanglePtr r = Map1->TrackRectangle();
+            if (r && r->Width() > 0 && r->Height() > 0)
+                Map1->setExtent(*r);
+            break;
+        }
+        case 2:
+            ShowFrmInfo();
+            break;
+        default:
+            break;
+        }
+    } catch (...) {
+        ErrorMessage(" Error in Map1_MouseDown() event. Error Source:frmMain.Map1_MouseDown()", 48);
+    }
+}
+
+void FrmMain::Map1_MouseMove(int button, int shift, float x, float y)
+{
+    try {
+        switch (iToolMode) {
+        case 0: Map1->setMousePointer(53); break;
+        case 1: Map1->setMousePointer(50); break;
+        case 2: Map1->setMousePointer(14); break;
+        case 3: Map1->setMousePointer(1); break;
+        default: break;
+        }
+    } catch (...) {
+        ErrorMessage(" Error in Map1_MouseMove() event. Error Source:frmMain.Map1_MouseMove()", 48);
+    }
+}
+
+void FrmMain::Map1_MouseUp(int button, int shift, float x, float y)
+{
+    try {
+        const float dx = std::fabs(x - float(iDownX));
+        const float dy = std::fabs(y - float(iDownY));
+        if (!(iToolMode == 1 && dx < 5 && dy < 5 && cmdZoomIn->isEnabled()))
+            return;
+        RectanglePtr r = Map1->Extent();
+        if (button == 1)
+            r->ScaleRectangle(1.0 / iZoomFactor);
+        else
+            r->ScaleRectangle(iZoomFactor);
+        Map1->setExtent(*r);
+        // The point is read in the new extent, so the view is centred there,
+        // not on what lay under the mouse before the zoom.
+        PointPtr p = Map1->ToMapPoint(x, y);
+        Map1->CenterAt(p->X(), p->Y());
+    } catch (...) {
+        ErrorMessage(" Error in Map1_MouseUp event. Error Source:frmMain.Map1_MouseUp()", 48);
+    }
+}
+
+void FrmMain::Map1_BeforeLayerDraw(int index, QPainter* hDC)
+{
+    try {
+        if (!bQueryDrawn) {
+            draw_query_results(Map1);
+            bQueryDrawn = true;
+        }
+    } catch (...) {
+        ErrorMessage(" Error in BeforeMapLayerDraw function. Error Source:frmMain.Map1_BeforeLayerDraw()", 48);
+    }
+}
+
+void FrmMain::Map1_AfterLayerDraw(int index, QPainter* hDC) {}
+
+void FrmMain::Map1_BeforeTrackingLayerDraw(QPainter* hDC)
+{
+    try {
+        UpdateInterface();
+    } catch (...) {
+        ErrorMessage(" Error in BeforeTrackingLayerDraw function. Error Source:frmMain.Map1_BeforeTrackingLayerDraw()", 48);
+    }
+}
+
+void FrmMain::Map1_AfterTrackingLayerDraw(QPainter* hDC)
+{
+    try {
+        if (oMarkedShape && bShowMarkedShape)
+            Map1->DrawShape(oMarkedShape, oMarkedSymbol);
+        bQueryDrawn = false;
+    } catch (...) {
+        ErrorMessage(" Error while trying to draw tracking layer. Error Source:frmMain.Map1_AfterTrackingLayerDraw()", 48);
+    }
+}
