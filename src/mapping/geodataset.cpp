@@ -1,0 +1,490 @@
+#include "mapping/geodataset.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStringDecoder>
+#include <algorithm>
+#include <cpl_conv.h>
+#include <cpl_error.h>
+#include <cpl_string.h>
+#include <gdal_priv.h>
+#include <ogr_feature.h>
+#include <ogr_geometry.h>
+#include <ogrsf_frmts.h>
+
+#include "mapping/recordset.h"
+
+namespace {
+
+// GDAL reports to stderr unless told otherwise; a file that cannot be read is
+// a "none" to our callers, not a message.
+struct QuietErrors {
+    QuietErrors() { CPLPushErrorHandler(CPLQuietErrorHandler); CPLErrorReset(); }
+    ~QuietErrors() { CPLPopErrorHandler(); }
+};
+
+// Finds a sibling of the .shp with another extension, whatever its case.
+QString sibling(const QString& shpPath, const QString& ext)
+{
+    QFileInfo fi(shpPath);
+    const QString base = fi.completeBaseName();
+    QDir dir = fi.absoluteDir();
+    const QString exact = dir.filePath(base + "." + ext);
+    if (QFileInfo::exists(exact)) return exact;
+    const QStringList all = dir.entryList(QDir::Files);
+    for (const QString& f : all)
+        if (f.compare(base + "." + ext, Qt::CaseInsensitive) == 0) return dir.filePath(f);
+    return {};
+}
+
+int shapeTypeOf(OGRwkbGeometryType t)
+{
+    switch (wkbFlatten(t)) {
+    case wkbPoint:
+    case wkbMultiPoint: return moPoint;
+    case wkbLineString:
+    case wkbMultiLineString: return moLine;
+    case wkbPolygon:
+    case wkbMultiPolygon: return moPolygon;
+    default: return moNullShape;
+    }
+}
+
+void appendRing(const OGRLineString* ls, std::vector<QPolygonF>& out)
+{
+    QPolygonF poly;
+    const int n = ls->getNumPoints();
+    poly.reserve(n);
+    for (int i = 0; i < n; ++i) poly.append(QPointF(ls->getX(i), ls->getY(i)));
+    out.push_back(std::move(poly));
+}
+
+void collectParts(const OGRGeometry* g, std::vector<QPolygonF>& out)
+{
+    if (!g) return;
+    switch (wkbFlatten(g->getGeometryType())) {
+    case wkbPoint: {
+        auto p = g->toPoint();
+        out.push_back(QPolygonF({QPointF(p->getX(), p->getY())}));
+        break;
+    }
+    case wkbLineString:
+        appendRing(g->toLineString(), out);
+        break;
+    case wkbPolygon: {
+        auto p = g->toPolygon();
+        if (p->getExteriorRing()) appendRing(p->getExteriorRing(), out);
+        for (int i = 0; i < p->getNumInteriorRings(); ++i) appendRing(p->getInteriorRing(i), out);
+        break;
+    }
+    case wkbMultiPoint:
+    case wkbMultiLineString:
+    case wkbMultiPolygon:
+    case wkbGeometryCollection: {
+        auto c = g->toGeometryCollection();
+        for (int i = 0; i < c->getNumGeometries(); ++i) collectParts(c->getGeometryRef(i), out);
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+// The text fields as the .dbf holds them: leading blanks kept, trailing padding
+// dropped, an all-blank text read as the empty text.
+class DbfText {
+public:
+    bool read(const QString& path) {
+        QFile f(path);
+        if (!f.open(QIODevice::ReadOnly)) return false;
+        data_ = f.readAll();
+        if (data_.size() < 32) return false;
+        const auto* u = reinterpret_cast<const unsigned char*>(data_.constData());
+        records_ = int(u[4] | (u[5] << 8) | (u[6] << 16) | (u[7] << 24));
+        headerLen_ = u[8] | (u[9] << 8);
+        recordLen_ = u[10] | (u[11] << 8);
+        int offset = 1;  // the deletion flag
+        for (int pos = 32; pos + 32 <= headerLen_ && pos < data_.size() && u[pos] != 0x0D; pos += 32) {
+            FieldPos fp;
+            fp.name = QString::fromLatin1(reinterpret_cast<const char*>(u + pos), int(qstrnlen(reinterpret_cast<const char*>(u + pos), 11)));
+            fp.type = char(u[pos + 11]);
+            fp.offset = offset;
+            fp.length = u[pos + 16];
+            offset += fp.length;
+            fields_.push_back(fp);
+        }
+        return true;
+    }
+    int fieldFor(const QString& name) const {
+        for (size_t i = 0; i < fields_.size(); ++i)
+            if (fields_[i].name.compare(name, Qt::CaseInsensitive) == 0 && fields_[i].type == 'C') return int(i);
+        return -1;
+    }
+    // Raw bytes of a character field, trailing blanks and NULs dropped; null when out of the file.
+    QByteArray bytes(int record, int field) const {
+        const FieldPos& fp = fields_[size_t(field)];
+        qsizetype start = qsizetype(headerLen_) + qsizetype(record) * recordLen_ + fp.offset;
+        if (record < 0 || record >= records_ || start + fp.length > data_.size()) return QByteArray();
+        QByteArray b = data_.mid(start, fp.length);
+        int e = int(b.size());
+        while (e > 0 && (b[e - 1] == ' ' || b[e - 1] == '\0')) --e;
+        b.truncate(e);
+        return b;
+    }
+
+private:
+    struct FieldPos { QString name; char type; int offset; int length; };
+    QByteArray data_;
+    int records_ = 0, headerLen_ = 0, recordLen_ = 0;
+    std::vector<FieldPos> fields_;
+};
+
+QString decodeText(const QByteArray& b, const QString& encoding)
+{
+    if (b.isEmpty()) return QString("");
+    if (!encoding.isEmpty() && encoding.compare("UTF-8", Qt::CaseInsensitive) != 0) {
+        char* utf8 = CPLRecode(b.constData(), encoding.toUtf8().constData(), CPL_ENC_UTF8);
+        QString s = QString::fromUtf8(utf8);
+        CPLFree(utf8);
+        return s;
+    }
+    QStringDecoder dec(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString s = dec.decode(b);
+    if (dec.hasError()) return QString::fromLatin1(b);
+    return s;
+}
+
+}  // namespace
+
+// --- spatial index -------------------------------------------------------------
+
+struct GeoDataset::Index {
+    GEOSSTRtree* tree = nullptr;
+    ~Index() { if (tree) GEOSSTRtree_destroy_r(geosContext(), tree); }
+};
+
+void GeoDataset::buildIndex()
+{
+    index_ = std::make_unique<Index>();
+    auto h = geosContext();
+    index_->tree = GEOSSTRtree_create_r(h, 10);
+    for (size_t i = 0; i < records_.size(); ++i)
+        if (records_[i].geom) GEOSSTRtree_insert_r(h, index_->tree, records_[i].geom.get(), reinterpret_cast<void*>(i + 1));
+}
+
+std::vector<int> GeoDataset::candidates(const Envelope& env) const
+{
+    std::vector<int> out;
+    if (!index_ || env.isEmpty() || records_.empty()) return out;
+    auto h = geosContext();
+    GeomPtr box = adoptGeom(GEOSGeom_createRectangle_r(h, env.minX, env.minY, env.maxX, env.maxY));
+    GEOSSTRtree_query_r(h, index_->tree, box.get(),
+        [](void* item, void* user) {
+            static_cast<std::vector<int>*>(user)->push_back(int(reinterpret_cast<size_t>(item) - 1));
+        },
+        &out);
+    std::sort(out.begin(), out.end());
+    return out;
+}
+
+// --- attribute queries ----------------------------------------------------------
+
+struct GeoDataset::Query {
+    OGRFeatureDefn* defn = nullptr;
+    std::vector<OGRFeatureUniquePtr> features;
+    ~Query() {
+        features.clear();
+        if (defn) defn->Release();
+    }
+};
+
+std::vector<int> GeoDataset::select(const QString& expression) const
+{
+    if (!query_) {
+        auto q = std::make_unique<Query>();
+        q->defn = new OGRFeatureDefn("records");
+        q->defn->Reference();
+        q->defn->SetGeomType(wkbNone);
+        for (const FieldDef& f : fields_) {
+            OGRFieldType t = f.type == moString ? OFTString : f.type == moLong ? OFTInteger64 : OFTReal;
+            OGRFieldDefn fd(f.name.toUtf8().constData(), t);
+            q->defn->AddFieldDefn(&fd);
+        }
+        const bool ownId = fieldIndex("FeatureID") < 0;
+        if (ownId) {
+            OGRFieldDefn fd("FeatureID", OFTInteger64);
+            q->defn->AddFieldDefn(&fd);
+        }
+        const int nf = int(fields_.size());
+        q->features.reserve(records_.size());
+        for (int r = 0; r < count(); ++r) {
+            OGRFeatureUniquePtr feat(OGRFeature::CreateFeature(q->defn));
+            for (int c = 0; c < nf; ++c) {
+                const QVariant& v = value(r, c);
+                if (!v.isValid() || v.isNull()) continue;
+                switch (fields_[size_t(c)].type) {
+                case moString: feat->SetField(c, v.toString().toUtf8().constData()); break;
+                case moLong: feat->SetField(c, GIntBig(v.toLongLong())); break;
+                default: feat->SetField(c, v.toDouble()); break;
+                }
+            }
+            if (ownId) feat->SetField(nf, GIntBig(r));
+            feat->SetFID(r);
+            q->features.push_back(std::move(feat));
+        }
+        query_ = std::move(q);
+    }
+    QuietErrors quiet;
+    OGRFeatureQuery fq;
+    if (fq.Compile(query_->defn, expression.toUtf8().constData(), TRUE, nullptr) != OGRERR_NONE)
+        throw MapError("bad expression: " + expression.toStdString());
+    std::vector<int> out;
+    for (int r = 0; r < count(); ++r)
+        if (fq.Evaluate(query_->features[size_t(r)].get())) out.push_back(r);
+    if (CPLGetLastErrorType() == CE_Failure) throw MapError("expression could not be evaluated");
+    return out;
+}
+
+// --- reading ------------------------------------------------------------------
+
+GeoDataset::~GeoDataset() = default;
+
+QString GeoDataset::baseName() const { return QFileInfo(path_).completeBaseName(); }
+
+int GeoDataset::fieldIndex(const QString& name) const
+{
+    for (size_t i = 0; i < fields_.size(); ++i)
+        if (fields_[i].name.compare(name, Qt::CaseInsensitive) == 0) return int(i);
+    return -1;
+}
+
+ShapePtr GeoDataset::shape(int fid) const
+{
+    const Record& r = records_.at(size_t(fid));
+    if (!r.geom) return nullptr;
+    switch (r.type) {
+    case moPolygon: return std::make_shared<Polygon>(r.geom);
+    case moLine: return std::make_shared<Line>(r.geom);
+    case moPoint: return std::make_shared<Point>(r.geom);
+    default: return shapeFromGeom(r.geom);
+    }
+}
+
+GeoDatasetPtr GeoDataset::open(const QString& shpPath)
+{
+    QuietErrors quiet;
+    if (!QFileInfo(shpPath).isFile()) return nullptr;
+    const QString shx = sibling(shpPath, "shx"), dbf = sibling(shpPath, "dbf");
+    if (shx.isEmpty() || dbf.isEmpty()) return nullptr;
+
+    const char* drivers[] = {"ESRI Shapefile", nullptr};
+    const QByteArray p = QFile::encodeName(shpPath);
+    GDALDatasetUniquePtr ds(GDALDataset::Open(p.constData(), GDAL_OF_VECTOR | GDAL_OF_READONLY, drivers));
+    if (!ds || ds->GetLayerCount() < 1) return nullptr;
+    OGRLayer* layer = ds->GetLayer(0);
+
+    std::shared_ptr<GeoDataset> d(new GeoDataset());
+    d->path_ = QFileInfo(shpPath).absoluteFilePath();
+    d->shapeType_ = shapeTypeOf(layer->GetGeomType());
+    OGRFeatureDefn* defn = layer->GetLayerDefn();
+    DbfText dbfText;
+    const bool haveDbf = dbfText.read(dbf);
+    const QString encoding = QString::fromUtf8(layer->GetMetadataItem("SOURCE_ENCODING", "SHAPEFILE") ?: "");
+    std::vector<int> dbfField;
+    for (int i = 0; i < defn->GetFieldCount(); ++i) {
+        OGRFieldDefn* fd = defn->GetFieldDefn(i);
+        FieldDef f;
+        f.name = QString::fromUtf8(fd->GetNameRef());
+        switch (fd->GetType()) {
+        case OFTInteger:
+        case OFTInteger64: f.type = moLong; break;
+        case OFTReal: f.type = moDouble; break;
+        case OFTDate: f.type = moDate; break;
+        default: f.type = moString; break;
+        }
+        f.width = fd->GetWidth();
+        f.precision = fd->GetPrecision();
+        d->fields_.push_back(f);
+        dbfField.push_back(f.type == moString && haveDbf ? dbfText.fieldFor(f.name) : -1);
+    }
+    const size_t nf = d->fields_.size();
+
+    auto h = geosContext();
+    const GIntBig expected = layer->GetFeatureCount(TRUE);
+    d->records_.reserve(size_t(std::max<GIntBig>(expected, 0)));
+    d->values_.reserve(size_t(std::max<GIntBig>(expected, 0)) * nf);
+    layer->ResetReading();
+    for (OGRFeatureUniquePtr feat(layer->GetNextFeature()); feat; feat.reset(layer->GetNextFeature())) {
+        if (CPLGetLastErrorType() == CE_Failure) return nullptr;
+        const int dbfRecord = int(feat->GetFID());
+        for (size_t c = 0; c < nf; ++c) {
+            const int ci = int(c);
+            const FieldDef& f = d->fields_[c];
+            if (f.type == moString) {
+                if (dbfField[c] >= 0) d->values_.push_back(decodeText(dbfText.bytes(dbfRecord, dbfField[c]), encoding));
+                else d->values_.push_back(feat->IsFieldSetAndNotNull(ci) ? QString::fromUtf8(feat->GetFieldAsString(ci)) : QString(""));
+            } else if (!feat->IsFieldSetAndNotNull(ci)) {
+                d->values_.push_back(QVariant());
+            } else if (f.type == moLong) {
+                d->values_.push_back(QVariant(qlonglong(feat->GetFieldAsInteger64(ci))));
+            } else if (f.type == moDouble) {
+                d->values_.push_back(QVariant(feat->GetFieldAsDouble(ci)));
+            } else {
+                d->values_.push_back(QString::fromUtf8(feat->GetFieldAsString(ci)));
+            }
+        }
+        Record rec;
+        if (const OGRGeometry* g = feat->GetGeometryRef(); g && !g->IsEmpty()) {
+            rec.type = shapeTypeOf(g->getGeometryType());
+            if (GEOSGeometry* gg = g->exportToGEOS(h)) {
+                rec.geom = GeomPtr(gg, GeomDeleter());
+                rec.env = Envelope::of(gg);
+            } else {
+                rec.type = moNullShape;
+            }
+            collectParts(g, rec.parts);
+        }
+        d->extent_.expand(rec.env);
+        d->records_.push_back(std::move(rec));
+    }
+    if (CPLGetLastErrorType() == CE_Failure) return nullptr;
+    if (expected >= 0 && GIntBig(d->records_.size()) != expected) return nullptr;
+    if (d->shapeType_ == moNullShape) {
+        for (const Record& r : d->records_)
+            if (r.type != moNullShape) { d->shapeType_ = r.type; break; }
+    }
+    if (QString prj = sibling(shpPath, "prj"); !prj.isEmpty()) d->srs_ = CoordinateSystem::fromPrjFile(prj);
+    d->buildIndex();
+    return d;
+}
+
+// --- writing ------------------------------------------------------------------
+
+// A new set is written under a temporary name beside its destination and put
+// in place only when editing stops, so a failed save leaves what was there.
+struct GeoDataset::Writer {
+    GDALDatasetUniquePtr ds;
+    OGRLayer* layer = nullptr;
+    QString dir, base, tmpBase;
+    QString prjText;
+    bool committed = false;
+
+    QStringList tmpFiles() const {
+        return QDir(dir).entryList({tmpBase + ".*"}, QDir::Files | QDir::Hidden);
+    }
+    ~Writer() {
+        ds.reset();
+        if (!committed)
+            for (const QString& f : tmpFiles()) QFile::remove(QDir(dir).filePath(f));
+    }
+};
+
+GeoDatasetPtr GeoDataset::create(const QString& shpPath, int shapeType, const TableDesc& desc,
+                                 const CoordinateSystemPtr& srs)
+{
+    QuietErrors quiet;
+    QFileInfo fi(shpPath);
+    const QString dir = fi.absolutePath();
+    if (!QFileInfo(dir).isDir()) throw MapError("no such directory");
+    auto w = std::make_unique<Writer>();
+    w->dir = dir;
+    w->base = fi.completeBaseName();
+    w->tmpBase = "." + w->base + ".saving";
+    if (srs) w->prjText = srs->wkt;
+
+    GDALDriver* drv = GetGDALDriverManager()->GetDriverByName("ESRI Shapefile");
+    if (!drv) throw MapError("no shapefile driver");
+    const QByteArray tmpPath = QFile::encodeName(QDir(dir).filePath(w->tmpBase + ".shp"));
+    w->ds.reset(drv->Create(tmpPath.constData(), 0, 0, 0, GDT_Unknown, nullptr));
+    if (!w->ds) throw MapError("cannot create shapefile");
+    const OGRwkbGeometryType gt = shapeType == moPoint ? wkbPoint : shapeType == moLine ? wkbLineString : wkbPolygon;
+    char** opts = CSLSetNameValue(nullptr, "ENCODING", "UTF-8");
+    w->layer = w->ds->CreateLayer(w->tmpBase.toUtf8().constData(), nullptr, gt, opts);
+    CSLDestroy(opts);
+    if (!w->layer) throw MapError("cannot create layer");
+
+    std::shared_ptr<GeoDataset> d(new GeoDataset());
+    d->path_ = fi.absoluteFilePath();
+    d->shapeType_ = shapeType;
+    d->srs_ = srs;
+    for (const FieldDef& f : desc.fields()) {
+        if (f.name.isEmpty()) throw MapError("field without a name");
+        OGRFieldType t = f.type == moString ? OFTString : f.type == moLong ? OFTInteger : OFTReal;
+        OGRFieldDefn fd(f.name.toUtf8().constData(), t);
+        if (f.width > 0) fd.SetWidth(f.width);
+        if (f.precision > 0) fd.SetPrecision(f.precision);
+        if (w->layer->CreateField(&fd) != OGRERR_NONE) throw MapError("cannot create field");
+        d->fields_.push_back(f);
+    }
+    d->writer_ = std::move(w);
+    d->buildIndex();
+    return d;
+}
+
+void GeoDataset::append(const ShapePtr& shape, const std::vector<QVariant>& values)
+{
+    if (!writer_ || writer_->committed) throw MapError("dataset is not being edited");
+    QuietErrors quiet;
+    OGRFeatureUniquePtr feat(OGRFeature::CreateFeature(writer_->layer->GetLayerDefn()));
+    if (shape) {
+        GeomPtr g = shape->geom();
+        OGRGeometry* og = OGRGeometryFactory::createFromGEOS(geosContext(), const_cast<GEOSGeometry*>(g.get()));
+        if (!og) throw MapError("cannot convert geometry");
+        feat->SetGeometryDirectly(og);
+    }
+    for (size_t c = 0; c < fields_.size() && c < values.size(); ++c) {
+        const QVariant& v = values[c];
+        if (!v.isValid() || v.isNull()) continue;
+        if (fields_[c].type == moString) feat->SetField(int(c), v.toString().toUtf8().constData());
+        else if (fields_[c].type == moLong) feat->SetField(int(c), GIntBig(v.toLongLong()));
+        else {
+            bool ok = false;
+            double x = v.toDouble(&ok);
+            if (!ok) throw MapError("not a number");
+            feat->SetField(int(c), x);
+        }
+    }
+    if (writer_->layer->CreateFeature(feat.get()) != OGRERR_NONE || CPLGetLastErrorType() == CE_Failure)
+        throw MapError("cannot write record");
+    Record rec;
+    rec.type = shape ? shape->shapeType() : moNullShape;
+    if (shape) {
+        rec.geom = shape->geom();
+        rec.env = shape->envelope();
+    }
+    extent_.expand(rec.env);
+    records_.push_back(std::move(rec));
+    for (size_t c = 0; c < fields_.size(); ++c) values_.push_back(c < values.size() ? values[c] : QVariant());
+}
+
+void GeoDataset::stopEditing()
+{
+    if (!writer_ || writer_->committed) return;
+    QuietErrors quiet;
+    Writer& w = *writer_;
+    if (w.layer->SyncToDisk() != OGRERR_NONE) throw MapError("cannot write shapefile");
+    w.ds.reset();  // closes and flushes the files
+    if (CPLGetLastErrorType() == CE_Failure) throw MapError("cannot write shapefile");
+    QDir dir(w.dir);
+    if (!w.prjText.isEmpty()) {
+        QFile prj(dir.filePath(w.tmpBase + ".prj"));
+        if (!prj.open(QIODevice::WriteOnly) || prj.write(w.prjText.toUtf8()) < 0 || !prj.flush())
+            throw MapError("cannot write projection file");
+    }
+    // Replace the old set as a whole: no file of it may stay beside the new one.
+    const QStringList old = dir.entryList(QDir::Files);
+    static const QStringList setExts = {"shp", "shx", "dbf", "prj", "cpg", "qix", "sbn", "sbx", "qmd", "xml"};
+    for (const QString& f : old) {
+        QFileInfo fi(f);
+        if (fi.completeBaseName().compare(w.base, Qt::CaseInsensitive) == 0 &&
+            setExts.contains(fi.suffix().toLower()) && !dir.remove(f))
+            throw MapError("cannot replace the existing shapefile");
+    }
+    for (const QString& f : w.tmpFiles()) {
+        const QString ext = QFileInfo(f).suffix().toLower();
+        if (!dir.rename(f, w.base + "." + ext)) throw MapError("cannot put the shapefile in place");
+    }
+    w.committed = true;
+    writer_.reset();
+}
