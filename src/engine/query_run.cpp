@@ -3,6 +3,7 @@
 #include "engine/query_run.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 
 #include "app/frmMain.h"
 #include "app/messages.h"
@@ -19,6 +20,9 @@ namespace {
 const QString kUpdateMap = QStringLiteral("Update Map");
 
 QString keyOf(int count) { return QString::number(count); }
+
+std::function<void(const QString&)> gProgressHook;
+qint64 gRepaintNanoseconds = 0;
 
 }  // namespace
 
@@ -152,8 +156,16 @@ void ShowProgress(const QString& text)
 {
     FrmMain& f = frmMain();
     f.lblWorking->setText(text);
+    if (gProgressHook) gProgressHook(text);
+    QElapsedTimer timer;
+    timer.start();
     f.RepaintNow();
+    gRepaintNanoseconds += timer.nsecsElapsed();
 }
+
+void SetProgressHook(std::function<void(const QString&)> hook) { gProgressHook = std::move(hook); }
+double ProgressRepaintSeconds() { return double(gRepaintNanoseconds) / 1e9; }
+void ResetProgressRepaintSeconds() { gRepaintNanoseconds = 0; }
 
 QString ProgressText(const QString& prefix, double fraction)
 {

@@ -2,6 +2,7 @@
 // The run of a query and the result model it fills.
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 #include "mapping/recordset.h"
 #include "mapping/symbol.h"
@@ -26,3 +27,10 @@ void YieldToEvents();
 // Appends shape with a new symbol coloured by field's value in record, and the
 // value itself, under the next key of the result model.
 void AppendResult(const ShapePtr& shape, Recordset& record, const QString& field);
+
+// For the batch tool and tests: called with each progress text as it is shown
+// (an empty function removes the hook).
+void SetProgressHook(std::function<void(const QString&)> hook);
+// Time spent repainting frmMain for progress texts since the last reset, in seconds.
+double ProgressRepaintSeconds();
+void ResetProgressRepaintSeconds();
