@@ -1,5 +1,168 @@
-// Placeholder until this module is written.
+// "Best wind (all)": near roads and transmission lines, on the chosen land
+// use, in the wind range and, if asked, outside the protected areas.
+#include "app/frmMain.h"
+#include "app/messages.h"
+#include "engine/expressions.h"
+#include "engine/overlay_support.h"
 #include "engine/queries.h"
+#include "engine/query_run.h"
+#include "mapping/platform.h"
+#include "workspace/state.h"
 
-void wind_all() {}
-void Wind_All_Overlay(const PolygonPtr&) {}
+namespace {
+
+MapLayerPtr layerOf(const QString& file)
+{
+    return frmMain().Map1->Layers().Item(cLayerIndex->Item(file));
+}
+
+int countOf(const RecordsetPtr& records)
+{
+    return records ? records->CalculateStatistics("FeatureID")->Count : 0;
+}
+
+// The protected areas taken away one by one, in record order, the first
+// record without a test of its type. A record whose box misses the polygon
+// would take nothing away, so only those that meet it are tried.
+PolygonPtr subtractProtected(PolygonPtr polygon, overlay::Selection& areas)
+{
+    if (areas.isEmpty()) return polygon;
+    const int first = areas.ids().front();
+    for (int fid : areas.near(polygon->envelope())) {
+        if (fid != first && (!areas.isPolygon(fid) || !polygon)) continue;
+        if (!polygon) break;
+        try {
+            const ShapePtr& area = areas.shape(fid);
+            if (!area) throw MapError("no protected shape");
+            if (!area->envelope().intersects(polygon->envelope())) continue;
+            polygon = asPolygon(polygon->Difference(area));
+        } catch (...) {
+        }
+    }
+    return polygon;
+}
+
+}  // namespace
+
+void wind_all()
+{
+    try {
+        HideContextLayers({"37_subcountrybnd2.shp", "42_railroad.shp", "43_roads.shp", "44_transmissionline.shp",
+                           "37_subcountrybnd2.shp", "42_railroad.shp"},
+                          true);
+        PolygonPtr roads = create_line_buffers("43_roads.shp", sngRoadDistance);
+        if (!roads || bCancelQuery) return;
+        PolygonPtr transmission = create_line_buffers("44_transmissionline.shp", sngTransmissionDistance);
+        if (!transmission || bCancelQuery) return;
+        PolygonPtr proximity = asPolygon(roads->Intersect(transmission));
+        if (!bCancelQuery) Wind_All_Overlay(proximity);
+    } catch (...) {
+        ErrorMessage(" Error Source:md_query_functions2.wind_all()", 48);
+    }
+}
+
+void Wind_All_Overlay(const PolygonPtr& oProximity)
+{
+    bool tolerant = false;
+    auto step = [&](auto&& fn) {
+        if (!tolerant) return fn();
+        try {
+            fn();
+        } catch (...) {
+        }
+    };
+
+    try {
+        FrmMain& f = frmMain();
+        ShowProgress("Intersecting...");
+        cFieldValues = std::make_shared<Collection<QVariant>>();
+        sFieldName = "WINDPWRD";
+
+        QString expression;
+        for (int i = 0; i < f.lstQuery1->ListCount(); ++i)
+            if (f.lstQuery1->Selected(i)) expression += "(LAND_USE = '" + f.lstQuery1->List(i) + "') OR ";
+        if (expression.length() < 4) throw MapError("no land use chosen");
+        expression.chop(4);
+
+        RecordsetPtr records = layerOf("02_landuse.shp")->SearchExpression(expression);
+        int recordCount = countOf(records);
+
+        // Land-use stage: the proximity area cut by each land-use polygon.
+        Collection<PolygonPtr> pieces;
+        overlay::NearbyParts nearby(oProximity);
+        int i = 0;
+        if (records) {
+            records->MoveFirst();
+            while (!records->Eof()) {
+                if (i % 50 == 0) step([&] { YieldToEvents(); });
+                if (bCancelQuery) return;
+                bool isPolygon = false;
+                step([&] { isPolygon = records->Fields()("Shape").Type() == moPolygon; });
+                if (isPolygon) {
+                    tolerant = true;
+                    PolygonPtr polygon;
+                    try {
+                        ShapePtr land = records->Fields()("Shape").shapeValue();
+                        if (!oProximity || !land) throw MapError("nothing to intersect");
+                        PolygonPtr near = nearby.around(land->envelope());
+                        polygon = near ? asPolygon(near->Intersect(land)) : nullptr;
+                    } catch (...) {
+                    }
+                    if (polygon) step([&] { pieces.Add(polygon, QString::number(pieces.Count())); });
+                }
+                step([&] { ShowProgress(ProgressText("Intersecting... ", double(i) / double(recordCount))); });
+                records->MoveNext();
+                ++i;
+            }
+        }
+        records.reset();
+
+        step([&] {
+            records = layerOf("20_wind.shp")->SearchExpression(CreateWindSelectExpression());
+            recordCount = countOf(records);
+        });
+        int steps = 0;
+        step([&] { steps = vb::MulLng(recordCount, pieces.Count()); });
+        if (steps <= 0) return;
+
+        const bool ticked = f.chkProtectedAreas->checkState() == Qt::Checked;
+        overlay::Selection areas;
+        if (ticked) step([&] { areas = overlay::Selection(layerOf("31_protectedarea.shp")->SearchExpression("FeatureID > -1")); });
+
+        // Wind and protected-area stage, piece by piece; within a piece the
+        // wind records whose boxes meet it, in record order.
+        overlay::Selection winds(records);
+        int n = 0;
+        for (const PolygonPtr& piece : pieces) {
+            step([&] { YieldToEvents(); });
+            if (bCancelQuery) return;
+            std::vector<int> candidates;
+            step([&] { candidates = winds.near(piece->envelope()); });
+            overlay::NearbyParts nearPiece(piece);
+            for (int fid : candidates) {
+                if (!winds.isPolygon(fid)) continue;
+                PolygonPtr polygon;
+                try {
+                    const ShapePtr& wind = winds.shape(fid);
+                    if (!wind) throw MapError("no wind shape");
+                    PolygonPtr near = nearPiece.around(wind->envelope());
+                    polygon = near ? asPolygon(near->Intersect(wind)) : nullptr;
+                } catch (...) {
+                }
+                if (ticked && polygon) polygon = subtractProtected(polygon, areas);
+                if (polygon) {
+                    try {
+                        Recordset record = overlay::recordAt(winds.dataset(), fid);
+                        AppendResult(polygon, record, "WINDPWRD");
+                    } catch (...) {
+                    }
+                }
+            }
+            step([&] { ShowProgress(ProgressText("Overlaying... ", double(n) * recordCount / double(steps))); });
+            ++n;
+        }
+        step([&] { ShowProgress("Overlaying... finished"); });
+    } catch (...) {
+        if (!tolerant) ErrorMessage(" Error Source:md_query_functions2.Wind_All_Overlay()", 48);
+    }
+}

@@ -1,0 +1,75 @@
+#pragma once
+// Helpers that let the overlay loops skip work whose outcome is known without
+// changing what they produce: record shapes kept for a run (so each prepares
+// its index once), candidates of a spatial index in record order, and the
+// parts of a large polygon near a small one.
+#include <QString>
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+#include "mapping/geometry.h"
+#include "mapping/recordset.h"
+
+namespace overlay {
+
+// The records of one selection, with their shapes made at first use.
+class Selection {
+public:
+    Selection() = default;
+    explicit Selection(const RecordsetPtr& records);
+
+    bool isEmpty() const { return ids_.empty(); }
+    const GeoDatasetPtr& dataset() const { return ds_; }
+    const std::vector<int>& ids() const { return ids_; }
+    // Position of the record in the selection, -1 when not selected.
+    int positionOf(int fid) const;
+    // Selected records whose boxes meet env, in record order.
+    std::vector<int> near(const Envelope& env) const;
+    // The record's shape; the same object for the whole run. None for a null shape.
+    const ShapePtr& shape(int fid);
+    bool isPolygon(int fid) const;
+
+private:
+    GeoDatasetPtr ds_;
+    std::vector<int> ids_;
+    std::vector<int> position_;
+    std::vector<ShapePtr> shapes_;
+    std::vector<char> made_;
+};
+
+// A one-record cursor on fid, for reading the attributes of a record that
+// was reached through the index rather than by walking the selection.
+Recordset recordAt(const GeoDatasetPtr& ds, int fid);
+
+// A large polygon cut at first use into nested, overlapping tiles. around(env)
+// gives a polygon that equals the whole inside a rectangle holding env with a
+// margin, so an overlay with a shape inside env gives the same result as one
+// with the whole, at the cost of the vertices near env only.
+class NearbyParts {
+public:
+    explicit NearbyParts(PolygonPtr whole, int maxVertices = 400);
+    const PolygonPtr& whole() const { return whole_; }
+    // None where the whole has no area near env.
+    PolygonPtr around(const Envelope& env);
+
+private:
+    struct Tile {
+        PolygonPtr shape;
+        int vertices = 0;
+    };
+    const Tile& tile(int level, int64_t ix, int64_t iy);
+    Envelope tileRect(int level, int64_t ix, int64_t iy) const;
+
+    PolygonPtr whole_;
+    int maxVertices_;
+    Tile root_;
+    double x0_ = 0, y0_ = 0, size_ = 0;
+    std::unordered_map<uint64_t, Tile> tiles_;
+};
+
+// Polygons united in one call (a cascaded union): the same area as uniting
+// them one after another.
+PolygonPtr unionAll(const std::vector<GeomPtr>& polygons);
+
+}  // namespace overlay
