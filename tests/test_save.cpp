@@ -1,0 +1,448 @@
+// Save Result: the result model written as a polygon shapefile that GDAL reads
+// back, and every way the command stops without writing.
+#include <gtest/gtest.h>
+
+#include <gdal.h>
+#include <ogr_api.h>
+#include <ogr_srs_api.h>
+#include <cpl_conv.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
+
+#include "app/frmMain.h"
+#include "datagen.h"
+#include "mapping/map.h"
+#include "results/save_result.h"
+#include "support/testsupport.h"
+#include "workspace/state.h"
+
+using testsupport::fileAnswer;
+using testsupport::recorder;
+namespace fs = std::filesystem;
+
+void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
+
+namespace {
+
+const QString kFailure = " Error Source:md_query_functions2.SaveTrackingLayer()";
+
+std::string num(double v)
+{
+    char b[40];
+    std::snprintf(b, sizeof b, "%.17g", v);
+    return b;
+}
+
+// A square of side s at (x, y), optionally with a square hole.
+ShapePtr square(double x, double y, double s, bool hole = false)
+{
+    std::string wkt = "POLYGON((" + num(x) + " " + num(y) + "," + num(x + s) + " " + num(y) + "," + num(x + s) + " "
+                      + num(y + s) + "," + num(x) + " " + num(y + s) + "," + num(x) + " " + num(y) + ")";
+    if (hole) {
+        const double a = x + s / 4, b = y + s / 4, c = x + 3 * s / 4, d = y + 3 * s / 4;
+        wkt += ",(" + num(a) + " " + num(b) + "," + num(a) + " " + num(d) + "," + num(c) + " " + num(d) + "," + num(c)
+               + " " + num(b) + "," + num(a) + " " + num(b) + ")";
+    }
+    return shapeFromGeom(geomFromWkt((wkt + ")").c_str()));
+}
+
+ShapePtr twoParts(double x, double y)
+{
+    const std::string wkt = "MULTIPOLYGON(((" + num(x) + " " + num(y) + "," + num(x + 10) + " " + num(y) + ","
+                            + num(x + 10) + " " + num(y + 10) + "," + num(x) + " " + num(y) + ")),((" + num(x + 20)
+                            + " " + num(y) + "," + num(x + 40) + " " + num(y) + "," + num(x + 40) + " " + num(y + 5)
+                            + "," + num(x + 20) + " " + num(y + 5) + "," + num(x + 20) + " " + num(y) + ")))";
+    return shapeFromGeom(geomFromWkt(wkt.c_str()));
+}
+
+double areaOf(const ShapePtr& s) { return std::static_pointer_cast<GeoShape>(s)->Area(); }
+
+void setResult(const std::vector<ShapePtr>& shapes)
+{
+    cShapes = std::make_shared<Collection<ShapePtr>>();
+    for (const auto& s : shapes) cShapes->Add(s, QString::number(cShapes->Count()));
+}
+
+void setValues(const QString& field, const std::vector<double>& values)
+{
+    sFieldName = field;
+    cFieldValues = std::make_shared<Collection<QVariant>>();
+    for (double v : values) cFieldValues->Add(QVariant(v), QString::number(cFieldValues->Count()));
+}
+
+std::vector<ShapePtr> squares(int n)
+{
+    std::vector<ShapePtr> out;
+    for (int i = 0; i < n; ++i) out.push_back(square(1000.0 * i, 0, 100 + i));
+    return out;
+}
+
+struct Saved {
+    bool opened = false;
+    int geomType = 0;
+    std::vector<std::string> fieldNames;
+    OGRFieldType fieldType = OFTString;
+    int width = 0, precision = 0;
+    std::vector<double> values, areas;
+    std::string srsWkt;
+};
+
+// Read back through GDAL alone, as any other GIS program would.
+Saved readBack(const std::string& path)
+{
+    Saved s;
+    GDALAllRegister();
+    GDALDatasetH ds = GDALOpenEx(path.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY, nullptr, nullptr, nullptr);
+    if (!ds) return s;
+    s.opened = true;
+    OGRLayerH layer = GDALDatasetGetLayer(ds, 0);
+    s.geomType = int(wkbFlatten(OGR_L_GetGeomType(layer)));
+    OGRFeatureDefnH defn = OGR_L_GetLayerDefn(layer);
+    for (int i = 0; i < OGR_FD_GetFieldCount(defn); ++i)
+        s.fieldNames.push_back(OGR_Fld_GetNameRef(OGR_FD_GetFieldDefn(defn, i)));
+    if (!s.fieldNames.empty()) {
+        OGRFieldDefnH f = OGR_FD_GetFieldDefn(defn, 0);
+        s.fieldType = OGR_Fld_GetType(f);
+        s.width = OGR_Fld_GetWidth(f);
+        s.precision = OGR_Fld_GetPrecision(f);
+    }
+    if (OGRSpatialReferenceH srs = OGR_L_GetSpatialRef(layer)) {
+        char* wkt = nullptr;
+        OSRExportToWkt(srs, &wkt);
+        s.srsWkt = wkt ? wkt : "";
+        CPLFree(wkt);
+    }
+    OGR_L_ResetReading(layer);
+    while (OGRFeatureH feat = OGR_L_GetNextFeature(layer)) {
+        s.values.push_back(OGR_F_GetFieldAsDouble(feat, 0));
+        OGRGeometryH g = OGR_F_GetGeometryRef(feat);
+        s.areas.push_back(g ? OGR_G_Area(g) : -1);
+        OGR_F_Destroy(feat);
+    }
+    GDALClose(ds);
+    return s;
+}
+
+std::set<std::string> filesIn(const std::string& dir)
+{
+    std::set<std::string> out;
+    for (const auto& e : fs::directory_iterator(dir)) out.insert(e.path().filename().string());
+    return out;
+}
+
+std::string slurp(const std::string& path)
+{
+    std::ifstream f(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(f), {});
+}
+
+class SaveTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ResetProgramState();
+        recorder().clear();
+        frmMain().Map1->Layers().Clear();
+        dir = testsupport::tempDir(::testing::UnitTest::GetInstance()->current_test_info()->name());
+    }
+    void TearDown() override { frmMain().Map1->Layers().Clear(); }
+
+    // A standard layer loaded into Map1 as the loading leaves it.
+    void loadLayer(const std::string& file, bool withPrj)
+    {
+        const std::string path = dir + "/src_" + file;
+        datagen::writeShapefile(path, datagen::GeomKind::Polygon, {{"VALUE", 'N'}}, {{"POLYGON((0 0,1 0,1 1,0 0))", {1.0}}},
+                                withPrj);
+        auto layer = std::make_shared<MapLayer>();
+        layer->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
+        layer->Tag = QString::fromStdString(file);
+        frmMain().Map1->Layers().Add(layer);
+        cLayerIndex = std::make_shared<Collection<int>>();
+        const auto& layers = frmMain().Map1->Layers();
+        for (int i = 0; i < layers.Count(); ++i) cLayerIndex->Add(i, layers.Item(i)->Tag);
+    }
+
+    void answerWith(const std::string& path) { recorder().files.push_back(fileAnswer(QString::fromStdString(path))); }
+
+    std::string dir;
+};
+
+TEST_F(SaveTest, ResultReadsBackWithItsGeometriesValuesAndProjection)
+{
+    loadLayer("20_wind.shp", true);
+    const std::vector<ShapePtr> shapes{square(0, 0, 100), square(500, 500, 80, true), twoParts(2000, 0)};
+    setResult(shapes);
+    setValues("WINDPWRD", {400, 200.5, 600});
+    sDataDirectory = QString::fromStdString(dir) + "/";
+    answerWith(dir + "/result.shp");
+
+    SaveTrackingLayer();
+
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
+    ASSERT_EQ(recorder().fileRequests.size(), 1u);
+    const seam::FileRequest& r = recorder().fileRequests[0];
+    EXPECT_TRUE(r.save);
+    EXPECT_EQ(r.flags, 10);
+    EXPECT_EQ(r.title, "Save Layer");
+    EXPECT_EQ(r.filter, "ESRI Shapefiles (*.shp)|*.shp");
+    EXPECT_EQ(r.defaultExt, ".shp");
+    EXPECT_EQ(r.fileName, "");
+
+    const Saved s = readBack(dir + "/result.shp");
+    ASSERT_TRUE(s.opened);
+    EXPECT_EQ(s.geomType, int(wkbPolygon));
+    EXPECT_EQ(s.fieldNames, std::vector<std::string>{"WINDPWRD"});
+    EXPECT_EQ(s.fieldType, OFTReal);
+    EXPECT_EQ(s.width, 15);
+    EXPECT_EQ(s.precision, 1);
+    EXPECT_EQ(s.values, (std::vector<double>{400, 200.5, 600}));
+    ASSERT_EQ(s.areas.size(), shapes.size());
+    for (size_t i = 0; i < shapes.size(); ++i) EXPECT_NEAR(s.areas[i], areaOf(shapes[i]), 1e-6) << i;
+
+    // The projection is that of the wind layer the values came from.
+    ASSERT_TRUE(fs::exists(dir + "/result.prj"));
+    const Saved source = readBack(dir + "/src_20_wind.shp");
+    ASSERT_FALSE(source.srsWkt.empty());
+    OGRSpatialReferenceH expected = OSRNewSpatialReference(source.srsWkt.c_str());
+    OGRSpatialReferenceH got = OSRNewSpatialReference(s.srsWkt.c_str());
+    EXPECT_TRUE(OSRIsSame(expected, got));
+    OSRDestroySpatialReference(expected);
+    OSRDestroySpatialReference(got);
+
+    // The map and the result are as they were, so the same result saves again.
+    EXPECT_EQ(frmMain().Map1->Layers().Count(), 1);
+    EXPECT_EQ(cShapes->Count(), 3);
+    answerWith(dir + "/again.shp");
+    SaveTrackingLayer();
+    EXPECT_EQ(readBack(dir + "/again.shp").values.size(), 3u);
+}
+
+TEST_F(SaveTest, ProjectionComesFromTheChosenSolarLayerOrIsLeftOut)
+{
+    struct Case { const char* field; const char* solarFile; const char* loaded; bool prj; bool withPrj; };
+    const Case cases[] = {
+        {"ANNGLO", "14_solar_glo.shp", "14_solar_glo.shp", true, true},
+        {"ANNDIR", "11_solar_direct.shp", "20_wind.shp", false, true},   // the chosen layer is not loaded
+        {"WINDPWRD", "", "20_wind.shp", false, false},                   // the layer has no projection file
+    };
+    int n = 0;
+    for (const Case& c : cases) {
+        frmMain().Map1->Layers().Clear();
+        loadLayer(c.loaded, c.withPrj);
+        setResult({square(0, 0, 10)});
+        setValues(c.field, {5.5});
+        sSolarLayerFile = c.solarFile;
+        const std::string out = dir + "/out" + std::to_string(n++) + ".shp";
+        answerWith(out);
+        SaveTrackingLayer();
+        EXPECT_TRUE(recorder().boxes.empty());
+        EXPECT_TRUE(readBack(out).opened) << c.field;
+        EXPECT_EQ(fs::exists(out.substr(0, out.size() - 4) + ".prj"), c.prj) << c.field;
+    }
+}
+
+TEST_F(SaveTest, AskFirstAboveFiftyFeatures)
+{
+    struct Case { int count; bool asked; seam::Answer answer; bool written; };
+    const Case cases[] = {
+        {1, false, seam::Answer::Yes, true},
+        {50, false, seam::Answer::No, true},
+        {51, true, seam::Answer::No, false},
+        {51, true, seam::Answer::Yes, true},
+        {120, true, seam::Answer::Yes, true},
+    };
+    int n = 0;
+    for (const Case& c : cases) {
+        recorder().clear();
+        setResult(squares(c.count));
+        std::vector<double> values(size_t(c.count), 200.0);
+        setValues("WINDPWRD", values);
+        const std::string out = dir + "/n" + std::to_string(n++) + ".shp";
+        answerWith(out);
+        recorder().answers.push_back(c.answer);
+
+        SaveTrackingLayer();
+
+        if (c.asked) {
+            ASSERT_EQ(recorder().boxes.size(), 1u) << c.count;
+            EXPECT_EQ(recorder().boxes[0].text, "It may take few minutes to save " + QString::number(c.count)
+                                                    + " features. Do you want to continue? ");
+            EXPECT_EQ(recorder().boxes[0].buttons, seam::Buttons::YesNo);
+        } else {
+            EXPECT_TRUE(recorder().boxes.empty()) << c.count;
+        }
+        // No dialog at all after a No.
+        EXPECT_EQ(recorder().fileRequests.size(), c.written ? 1u : 0u) << c.count;
+        const Saved s = readBack(out);
+        EXPECT_EQ(s.opened, c.written) << c.count;
+        if (c.written) EXPECT_EQ(int(s.values.size()), c.count);
+    }
+}
+
+TEST_F(SaveTest, SilentStopsWriteNothing)
+{
+    // No query yet, an empty result, a cancelled dialog, an empty name.
+    recorder().files.push_back(fileAnswer(QString::fromStdString(dir + "/x.shp")));
+    SaveTrackingLayer();
+    setResult({});
+    setValues("WINDPWRD", {});
+    SaveTrackingLayer();
+    EXPECT_TRUE(recorder().fileRequests.empty());
+    recorder().clear();
+
+    setResult({square(0, 0, 10)});
+    setValues("WINDPWRD", {200});
+    SaveTrackingLayer();  // the recorder cancels when no answer is queued
+    seam::FileAnswer empty;
+    empty.cancelled = false;
+    recorder().files.push_back(empty);
+    SaveTrackingLayer();
+    EXPECT_EQ(recorder().fileRequests.size(), 2u);
+    EXPECT_TRUE(recorder().boxes.empty());
+    EXPECT_TRUE(filesIn(dir).empty());
+}
+
+// The directory is what stands before the first occurrence of the file title.
+TEST_F(SaveTest, TitleEarlierInThePathCutsTheDirectoryShort)
+{
+    fs::create_directories(dir + "/a.shp.d");
+    answerWith(dir + "/a.shp.d/a.shp");
+    setResult({square(0, 0, 10)});
+    setValues("WINDPWRD", {300});
+    SaveTrackingLayer();
+    EXPECT_TRUE(recorder().boxes.empty());
+    EXPECT_TRUE(readBack(dir + "/a.shp").opened);
+    EXPECT_TRUE(filesIn(dir + "/a.shp.d").empty());
+
+    // Another four-character ending is cut like ".shp".
+    answerWith(dir + "/plain.txt");
+    SaveTrackingLayer();
+    EXPECT_EQ(readBack(dir + "/plain.shp").values, std::vector<double>{300});
+}
+
+TEST_F(SaveTest, ReplacesAnExistingSetAsAWhole)
+{
+    const std::string old = dir + "/r.shp";
+    datagen::writeShapefile(old, datagen::GeomKind::Point, {{"NAME", 'C'}, {"POP", 'I'}},
+                            {{"POINT(1 1)", {std::string("a"), 1LL}}, {"POINT(2 2)", {std::string("b"), 2LL}}}, true);
+    { std::ofstream(dir + "/r.cpg") << "STALE"; }
+    { std::ofstream(dir + "/r.txt") << "neighbour"; }
+    datagen::writeShapefile(dir + "/r2.shp", datagen::GeomKind::Point, {{"NAME", 'C'}},
+                            {{"POINT(1 1)", {std::string("keep")}}}, true);
+    const std::string neighbourDbf = slurp(dir + "/r2.dbf");
+
+    setResult({square(0, 0, 10)});
+    setValues("ANNDIR", {6.5});  // no solar layer loaded: no projection
+    answerWith(old);
+    SaveTrackingLayer();
+
+    EXPECT_TRUE(recorder().boxes.empty());
+    const Saved s = readBack(old);
+    ASSERT_TRUE(s.opened);
+    EXPECT_EQ(s.geomType, int(wkbPolygon));
+    EXPECT_EQ(s.fieldNames, std::vector<std::string>{"ANNDIR"});
+    EXPECT_EQ(s.values, std::vector<double>{6.5});
+    EXPECT_FALSE(fs::exists(dir + "/r.prj"));
+    EXPECT_TRUE(!fs::exists(dir + "/r.cpg") || slurp(dir + "/r.cpg") != "STALE");
+    EXPECT_EQ(slurp(dir + "/r.txt"), "neighbour");
+    EXPECT_EQ(slurp(dir + "/r2.dbf"), neighbourDbf);
+    EXPECT_TRUE(fs::exists(dir + "/r2.prj"));
+}
+
+// Where the set cannot be made the user hears of it, the program goes on and
+// nothing else on disk changes.
+TEST_F(SaveTest, UnwritableTargetsEndWithTheFailureText)
+{
+    setResult({square(0, 0, 10), square(50, 0, 10)});
+    setValues("WINDPWRD", {200, 300});
+
+    // The name is taken by a directory.
+    fs::create_directories(dir + "/busy.shp");
+    { std::ofstream(dir + "/busy.shp/inside.txt") << "x"; }
+    answerWith(dir + "/busy.shp");
+    SaveTrackingLayer();
+    EXPECT_EQ(recorder().texts(), QStringList{kFailure});
+    EXPECT_EQ(slurp(dir + "/busy.shp/inside.txt"), "x");
+    EXPECT_EQ(filesIn(dir), std::set<std::string>{"busy.shp"});
+    recorder().clear();
+
+    // A directory part that is a regular file: the connection is refused,
+    // which the save takes as a stop, and the file is not touched.
+    { std::ofstream(dir + "/file") << "content"; }
+    const std::set<std::string> before = filesIn(dir);
+    answerWith(dir + "/file/x.shp");
+    SaveTrackingLayer();
+    EXPECT_TRUE(recorder().boxes.empty());
+    EXPECT_EQ(slurp(dir + "/file"), "content");
+    EXPECT_EQ(filesIn(dir), before);
+}
+
+TEST_F(SaveTest, ReadOnlyDirectory)
+{
+    if (geteuid() == 0) GTEST_SKIP() << "permissions do not bind root; covered by UnwritableTargetsEndWithTheFailureText";
+    const std::string ro = dir + "/ro";
+    fs::create_directories(ro);
+    fs::permissions(ro, fs::perms::owner_read | fs::perms::owner_exec);
+    setResult({square(0, 0, 10)});
+    setValues("WINDPWRD", {200});
+    answerWith(ro + "/x.shp");
+    SaveTrackingLayer();
+    fs::permissions(ro, fs::perms::owner_all);
+    EXPECT_EQ(recorder().texts(), QStringList{kFailure});
+    EXPECT_TRUE(filesIn(ro).empty());
+}
+
+// "Best solar off-grid systems" leaves the values and field of the query
+// before it beside its own shapes.
+TEST_F(SaveTest, AfterTheOffGridQueryTheValuesOfTheQueryBeforeAreUsed)
+{
+    setValues("WINDPWRD", {200, 300, 400, 500});
+    setResult({square(0, 0, 10), square(50, 0, 20)});
+    answerWith(dir + "/stale.shp");
+    SaveTrackingLayer();
+    EXPECT_TRUE(recorder().boxes.empty());
+    const Saved s = readBack(dir + "/stale.shp");
+    EXPECT_EQ(s.fieldNames, std::vector<std::string>{"WINDPWRD"});
+    EXPECT_EQ(s.values, (std::vector<double>{200, 300}));
+
+    // Fewer values than shapes: the record without a value fails.
+    setValues("WINDPWRD", {200});
+    answerWith(dir + "/short.shp");
+    SaveTrackingLayer();
+    EXPECT_EQ(recorder().texts(), QStringList{kFailure});
+    recorder().clear();
+
+    // No query before it at all: no field name, so nothing is written.
+    cFieldValues.reset();
+    sFieldName.clear();
+    answerWith(dir + "/none.shp");
+    SaveTrackingLayer();
+    EXPECT_TRUE(recorder().boxes.empty());
+    EXPECT_FALSE(fs::exists(dir + "/none.shp"));
+}
+
+TEST_F(SaveTest, MenuEntriesOfTheMainWindow)
+{
+    setResult({square(0, 0, 10)});
+    setValues("WINDPWRD", {200});
+    answerWith(dir + "/menu.shp");
+    frmMain().mnuSave_Click();
+    EXPECT_TRUE(readBack(dir + "/menu.shp").opened);
+
+    // Save As only opens the dialog; it writes nothing.
+    recorder().clear();
+    answerWith(dir + "/as.shp");
+    frmMain().mnuSaveAs_Click();
+    ASSERT_EQ(recorder().fileRequests.size(), 1u);
+    EXPECT_TRUE(recorder().fileRequests[0].save);
+    EXPECT_FALSE(fs::exists(dir + "/as.shp"));
+    EXPECT_TRUE(recorder().boxes.empty());
+}
+
+}  // namespace
