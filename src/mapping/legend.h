@@ -1,7 +1,9 @@
 #pragma once
 // The legend control: one entry per layer of its map, top layer first, with a
 // check box and, for a renderer, its classes as swatches with their values.
+#include <QStringList>
 #include <QWidget>
+#include <memory>
 
 class Map;
 
@@ -20,6 +22,9 @@ public:
     // For tests and the batch tool: what a click on entry i's check box does.
     void clickCheckBox(int index);
     int entryCount() const;
+    // The entry's layer name and the texts of its classes, top to bottom.
+    QString entryName(int index) const;
+    QStringList entryClasses(int index) const;
 
 signals:
     // After the user used a check box; the layer's Visible is already changed.
@@ -28,6 +33,8 @@ signals:
 protected:
     void paintEvent(QPaintEvent*) override;
     void mousePressEvent(QMouseEvent*) override;
+    void resizeEvent(QResizeEvent*) override;
+    void wheelEvent(QWheelEvent*) override;
 
 private:
     struct Impl;

@@ -46,6 +46,10 @@ public:
     int Width() const;
     int Height() const;
 
+    // A small picture of the symbol as the map paints that kind of shape
+    // (shape type codes of geometry.h); the legend uses it for its swatches.
+    static void paintSymbolSample(QPainter& painter, const QRectF& box, const Symbol& symbol, int shapeType);
+
 signals:
     void BeforeLayerDraw(int index, QPainter* hDC);
     void AfterLayerDraw(int index, QPainter* hDC);
@@ -61,6 +65,7 @@ protected:
     void mousePressEvent(QMouseEvent*) override;
     void mouseMoveEvent(QMouseEvent*) override;
     void mouseReleaseEvent(QMouseEvent*) override;
+    void hideEvent(QHideEvent*) override;
 
 private:
     struct Impl;
