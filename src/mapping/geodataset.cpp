@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QStringDecoder>
 #include <algorithm>
+#include <mutex>
 #include <cpl_conv.h>
 #include <cpl_error.h>
 #include <cpl_string.h>
@@ -16,6 +17,12 @@
 #include "mapping/recordset.h"
 
 namespace {
+
+void registerDrivers()
+{
+    static std::once_flag once;
+    std::call_once(once, [] { GDALAllRegister(); });
+}
 
 // GDAL reports to stderr unless told otherwise; a file that cannot be read is
 // a "none" to our callers, not a message.
@@ -273,6 +280,7 @@ ShapePtr GeoDataset::shape(int fid) const
 
 GeoDatasetPtr GeoDataset::open(const QString& shpPath)
 {
+    registerDrivers();
     QuietErrors quiet;
     if (!QFileInfo(shpPath).isFile()) return nullptr;
     const QString shx = sibling(shpPath, "shx"), dbf = sibling(shpPath, "dbf");
@@ -383,6 +391,7 @@ struct GeoDataset::Writer {
 GeoDatasetPtr GeoDataset::create(const QString& shpPath, int shapeType, const TableDesc& desc,
                                  const CoordinateSystemPtr& srs)
 {
+    registerDrivers();
     QuietErrors quiet;
     QFileInfo fi(shpPath);
     const QString dir = fi.absolutePath();

@@ -1,0 +1,315 @@
+// The data side of the mapping component: reading, selecting, overlaying and
+// writing shapefiles, on files the tests write themselves.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <cmath>
+#include <filesystem>
+#include <gdal_priv.h>
+#include <ogrsf_frmts.h>
+
+#include "datagen.h"
+#include "mapping/dataconnection.h"
+#include "mapping/maplayer.h"
+#include "support/testsupport.h"
+
+using datagen::FeatureSpec;
+using datagen::FieldSpec;
+using datagen::GeomKind;
+
+namespace {
+
+std::string square(double x, double y, double s)
+{
+    auto p = [](double a, double b) { return std::to_string(a) + " " + std::to_string(b); };
+    return "POLYGON((" + p(x, y) + "," + p(x + s, y) + "," + p(x + s, y + s) + "," + p(x, y + s) + "," + p(x, y) + "))";
+}
+
+MapLayerPtr layerFor(const std::string& path)
+{
+    auto layer = std::make_shared<MapLayer>();
+    auto ds = GeoDataset::open(QString::fromStdString(path));
+    if (!ds) return nullptr;
+    layer->setGeoDataset(ds);
+    return layer;
+}
+
+// Eleven wind cells in a row, with values on and around the class breaks.
+std::string windFile(const std::string& dir)
+{
+    std::vector<FeatureSpec> f;
+    const double values[] = {150, 200, 250, 300, 400, 500, 600, 700, 800, 950, 199.99};
+    for (int i = 0; i < 11; ++i) f.push_back({square(i * 1000.0, 0, 1000), {values[i], (long long)(i % 7 + 1)}});
+    const std::string path = dir + "/20_wind.shp";
+    datagen::writeShapefile(path, GeomKind::Polygon, {{"WINDPWRD", 'N', 19, 8}, {"WINDCLASS", 'I'}}, f);
+    return path;
+}
+
+ShapePtr polygonAt(double x, double y, double s) { return shapeFromGeom(geomFromWkt(square(x, y, s).c_str())); }
+
+std::vector<int> idsOf(const RecordsetPtr& rs)
+{
+    std::vector<int> out;
+    if (!rs) return out;
+    for (rs->MoveFirst(); !rs->Eof(); rs->MoveNext()) out.push_back(rs->Fields().Item("FeatureID").Value().toInt());
+    return out;
+}
+
+}  // namespace
+
+TEST(Selection, RangeExpressionsAreInclusiveAndNoneWhenNothingMatches)
+{
+    auto wind = layerFor(windFile(testsupport::tempDir("sel")));
+    ASSERT_TRUE(wind);
+    EXPECT_EQ(wind->shapeType(), moPolygon);
+    EXPECT_EQ(idsOf(wind->SearchExpression("WINDPWRD >= 200 AND WINDPWRD <= 800")), (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(idsOf(wind->SearchExpression("WINDPWRD >= 500 AND WINDPWRD <= 10000")), (std::vector<int>{5, 6, 7, 8, 9}));
+    EXPECT_EQ(wind->SearchExpression("FeatureID > -1")->Count(), 11);
+    EXPECT_EQ(wind->SearchExpression("WINDPWRD >= 5000"), nullptr);
+    EXPECT_THROW(wind->SearchExpression("WINDPWRD >= AND"), MapError);
+    EXPECT_THROW(wind->SearchExpression("NOSUCHFIELD > 1"), MapError);
+    auto rs = wind->SearchExpression("WINDPWRD >= 0");
+    ASSERT_TRUE(rs);
+    auto st = rs->CalculateStatistics("WINDPWRD");
+    ASSERT_TRUE(st);
+    EXPECT_DOUBLE_EQ(st->Max, 950);
+    EXPECT_EQ(rs->CalculateStatistics("FeatureID")->Count, 11);
+    EXPECT_THROW(rs->CalculateStatistics("NOSUCH"), MapError);
+}
+
+TEST(Selection, TextsKeepLeadingBlanksAndTheExpressionSeesThem)
+{
+    const std::string dir = testsupport::tempDir("text");
+    const std::string path = dir + "/02_landuse.shp";
+    std::vector<FeatureSpec> f;
+    const char* names[] = {"  forest", "forest", "", "FOREST ", "  forest", "O'Brien"};
+    for (int i = 0; i < 6; ++i) f.push_back({square(i * 10.0, 0, 10), {std::string(names[i])}});
+    datagen::writeShapefile(path, GeomKind::Polygon, {{"LAND_USE", 'C', 40}}, f);
+    auto lu = layerFor(path);
+    ASSERT_TRUE(lu);
+    auto all = lu->Records();
+    QStringList seen;
+    Strings distinct;
+    for (; !all->Eof(); all->MoveNext()) {
+        seen << all->Fields().Item("land_use").Value().toString();
+        distinct.Add(all->Fields().Item("LAND_USE").toText());
+    }
+    EXPECT_EQ(seen, QStringList({"  forest", "forest", "", "FOREST", "  forest", "O'Brien"}));
+    // Each text once, in ascending order.
+    ASSERT_EQ(distinct.Count(), 5);
+    EXPECT_EQ(distinct.Item(0), "");
+    EXPECT_EQ(distinct.Item(1), "  forest");
+    EXPECT_EQ(distinct.Item(2), "FOREST");
+    EXPECT_EQ(distinct.Item(4), "forest");
+    EXPECT_FALSE(distinct.Add("forest"));
+    EXPECT_EQ(idsOf(lu->SearchExpression("(LAND_USE = '  forest')")), (std::vector<int>{0, 4}));
+    EXPECT_EQ(idsOf(lu->SearchExpression("(LAND_USE = 'forest') OR (LAND_USE = 'FOREST')")), (std::vector<int>{1, 3}));
+    // A quote inside a name is not doubled by the callers: the expression is malformed.
+    EXPECT_THROW(lu->SearchExpression("(LAND_USE = 'O'Brien')"), MapError);
+    EXPECT_EQ(lu->Records()->CalculateStatistics("LAND_USE"), nullptr);
+}
+
+TEST(Records, ShapeValuesOutliveTheCursorAndFieldsWalkInTableOrder)
+{
+    auto wind = layerFor(windFile(testsupport::tempDir("rec")));
+    auto rs = wind->Records();
+    ShapePtr first = rs->Fields().Item("Shape").shapeValue();
+    EXPECT_EQ(rs->Fields().Item("Shape").Type(), moPolygon);
+    while (!rs->Eof()) rs->MoveNext();
+    EXPECT_TRUE(rs->Eof());
+    EXPECT_THROW(rs->Fields().Item("WINDPWRD").Value(), MapError);
+    ASSERT_TRUE(first);
+    EXPECT_NEAR(asPolygon(first)->Area(), 1e6, 1e-6);
+    rs->MoveFirst();
+    auto fields = rs->Fields();
+    QStringList names;
+    for (int i = 0; i < fields.Count(); ++i) names << fields.at(i).Name();
+    EXPECT_EQ(names, QStringList({"Shape", "FeatureID", "WINDPWRD", "WINDCLASS"}));
+    EXPECT_EQ(fields.Item("WINDPWRD").toText(), "150");
+    EXPECT_THROW(fields.Item("NOSUCH"), MapError);
+}
+
+TEST(Overlays, AreasAgainstHandComputedValues)
+{
+    auto a = std::dynamic_pointer_cast<GeoShape>(polygonAt(0, 0, 10));
+    ShapePtr b = polygonAt(5, 0, 10);
+    ASSERT_TRUE(a);
+    EXPECT_NEAR(asPolygon(a->Intersect(b))->Area(), 50, 1e-9);
+    EXPECT_NEAR(asPolygon(a->Difference(b))->Area(), 50, 1e-9);
+    EXPECT_NEAR(asPolygon(a->Union(b))->Area(), 150, 1e-9);
+    // Disjoint, touching along an edge, and wholly inside.
+    EXPECT_EQ(a->Intersect(polygonAt(20, 20, 5)), nullptr);
+    EXPECT_EQ(a->Intersect(polygonAt(10, 0, 10)), nullptr);
+    EXPECT_EQ(a->Difference(polygonAt(-5, -5, 30)), nullptr);
+    EXPECT_NEAR(asPolygon(a->Intersect(polygonAt(2, 2, 3)))->Area(), 9, 1e-9);
+    EXPECT_NEAR(asPolygon(a->Difference(polygonAt(20, 20, 5)))->Area(), 100, 1e-9);
+    // Two parts make one polygon of two parts.
+    auto two = asPolygon(a->Difference(shapeFromGeom(geomFromWkt("POLYGON((4 -1,6 -1,6 11,4 11,4 -1))"))));
+    ASSERT_TRUE(two);
+    EXPECT_EQ(two->partCount(), 2);
+    EXPECT_NEAR(two->Area(), 80, 1e-9);
+    // A line's buffer: a 10 m segment at 1 m is 20 m2 plus the round ends.
+    auto line = std::dynamic_pointer_cast<GeoShape>(shapeFromGeom(geomFromWkt("LINESTRING(0 0,10 0)")));
+    EXPECT_NEAR(line->Buffer(1)->Area(), 20 + M_PI, 0.05);
+    EXPECT_NEAR(a->Centroid()->X(), 5, 1e-9);
+    Point p(0, 20);
+    EXPECT_NEAR(p.DistanceTo(a), 10, 1e-9);
+    EXPECT_THROW(a->Intersect(nullptr), MapError);
+}
+
+TEST(Overlays, RectangleScalesAboutItsCentreAndBuffersToAPolygon)
+{
+    Rectangle r(0, 0, 100, 50);
+    r.ScaleRectangle(0.5);
+    EXPECT_DOUBLE_EQ(r.Left, 25);
+    EXPECT_DOUBLE_EQ(r.Top, 37.5);
+    EXPECT_DOUBLE_EQ(r.Width(), 50);
+    EXPECT_NEAR(r.Buffer(0)->Area(), 50 * 25, 1e-9);
+    auto copy = r.copy();
+    copy->ScaleRectangle(2);
+    EXPECT_DOUBLE_EQ(r.Width(), 50);
+}
+
+TEST(SearchByDistance, PolygonsContainOrTouchPointsLieWithinTheDistance)
+{
+    const std::string dir = testsupport::tempDir("near");
+    auto wind = layerFor(windFile(dir));
+    auto at = [&](double x, double y, double d) { return idsOf(wind->SearchByDistance(std::make_shared<Point>(x, y), d, "")); };
+    EXPECT_EQ(at(500, 500, 0), std::vector<int>{0});
+    EXPECT_EQ(at(1000, 500, 0), (std::vector<int>{0, 1}));  // on the shared edge
+    EXPECT_TRUE(at(500, 1000.5, 0).empty());
+    EXPECT_EQ(at(500, 1000.5, 1), (std::vector<int>{0}));
+    EXPECT_EQ(idsOf(wind->SearchByDistance(std::make_shared<Point>(1000, 500), 0, "WINDPWRD > 160")), std::vector<int>{1});
+}
+
+TEST(OpeningFiles, BrokenFilesGiveNoneAndNeverAFailure)
+{
+    const std::string dir = testsupport::tempDir("broken");
+    windFile(dir);
+    namespace fs = std::filesystem;
+    auto copySet = [&](const std::string& name) {
+        for (const char* ext : {".shp", ".shx", ".dbf", ".prj"})
+            fs::copy_file(dir + "/20_wind" + ext, dir + "/" + name + ext);
+    };
+    DataConnection conn;
+    conn.Database = QString::fromStdString(dir) + "/";
+    ASSERT_TRUE(conn.Connect());
+    EXPECT_TRUE(conn.FindGeoDataset("20_wind.shp"));
+
+    copySet("nodbf");
+    fs::remove(dir + "/nodbf.dbf");
+    EXPECT_EQ(conn.FindGeoDataset("nodbf.shp"), nullptr);
+    copySet("noshx");
+    fs::remove(dir + "/noshx.shx");
+    EXPECT_EQ(conn.FindGeoDataset("noshx.shp"), nullptr);
+    copySet("cut");
+    fs::resize_file(dir + "/cut.shp", fs::file_size(dir + "/cut.shp") / 2);
+    EXPECT_EQ(conn.FindGeoDataset("cut.shp"), nullptr);
+    { QFile t(QString::fromStdString(dir + "/text.shp")); t.open(QIODevice::WriteOnly); t.write("not a shapefile\n"); }
+    EXPECT_EQ(conn.FindGeoDataset("text.shp"), nullptr);
+    EXPECT_EQ(conn.FindGeoDataset("missing.shp"), nullptr);
+
+    DataConnection none;
+    none.Database = QString::fromStdString(dir) + "/nowhere/";
+    EXPECT_FALSE(none.Connect());
+    EXPECT_NE(none.ConnectError, 0);
+}
+
+TEST(CoordinateSystems, ReadFromTheProjectionFileAsItIsSpelled)
+{
+    const std::string dir = testsupport::tempDir("srs");
+    auto wind = layerFor(windFile(dir));
+    auto cs = wind->CoordinateSystem();
+    ASSERT_TRUE(cs);
+    EXPECT_TRUE(cs->IsProjected);
+    EXPECT_EQ(cs->Unit.Name, "Meter");
+    EXPECT_NEAR(cs->Datum.Spheroid.axis, 6378137.0, 1e-6);
+    EXPECT_NEAR(cs->Datum.Spheroid.Flattening, 1 / 298.257223563, 1e-12);
+
+    std::filesystem::remove(dir + "/20_wind.prj");
+    EXPECT_EQ(layerFor(dir + "/20_wind.shp")->CoordinateSystem(), nullptr);
+
+    auto geo = CoordinateSystem::fromWkt(
+        R"(GEOGCS["GCS_WGS_1984",DATUM["D_WGS_1984",SPHEROID["WGS_1984",6378137.0,298.257223563]],PRIMEM["Greenwich",0.0],UNIT["Degree",0.0174532925199433]])");
+    ASSERT_TRUE(geo);
+    EXPECT_FALSE(geo->IsProjected);
+    EXPECT_EQ(geo->Unit.Name, "Degree");
+}
+
+TEST(Writing, ANewShapefileReadsBackWithTheSameShapesAndValuesAndReplacesTheOldSet)
+{
+    const std::string dir = testsupport::tempDir("write");
+    // An older set of the same name, with a stale index that must not survive.
+    datagen::writeShapefile(dir + "/result.shp", GeomKind::Polygon, {{"OLD", 'C', 10}}, {{square(0, 0, 1), {std::string("x")}}});
+    { QFile q(QString::fromStdString(dir + "/result.qix")); q.open(QIODevice::WriteOnly); q.write("stale"); }
+
+    DataConnection conn;
+    conn.Database = QString::fromStdString(dir) + "/";
+    ASSERT_TRUE(conn.Connect());
+    auto desc = std::make_shared<TableDesc>();
+    desc->setFieldCount(1);
+    desc->setFieldName(0, "WINDPWRD");
+    desc->setFieldType(0, moDouble);
+    desc->setFieldPrecision(0, 15);
+    desc->setFieldScale(0, 1);
+    auto srs = CoordinateSystem::fromWkt(QString::fromStdString(datagen::esriPrjText()));
+    auto ds = conn.AddGeoDataset("result", moPolygon, desc, srs);
+    ASSERT_TRUE(ds);
+    auto layer = std::make_shared<MapLayer>();
+    layer->setGeoDataset(ds);
+    const double values[] = {500, 812.5};
+    for (int i = 0; i < 2; ++i) {
+        auto rs = layer->Records();
+        rs->AddNew();
+        rs->Fields().Item("Shape").setShape(polygonAt(i * 100.0, 0, 10 + i));
+        rs->Fields().Item("WINDPWRD").setValue(values[i]);
+        rs->Update();
+    }
+    layer->Records()->StopEditing();
+
+    EXPECT_FALSE(QFile::exists(QString::fromStdString(dir + "/result.qix")));
+    EXPECT_TRUE(QFile::exists(QString::fromStdString(dir + "/result.prj")));
+    GDALDatasetUniquePtr back(GDALDataset::Open((dir + "/result.shp").c_str(), GDAL_OF_VECTOR));
+    ASSERT_TRUE(back);
+    OGRLayer* l = back->GetLayer(0);
+    ASSERT_EQ(l->GetFeatureCount(), 2);
+    EXPECT_EQ(l->GetLayerDefn()->GetFieldCount(), 1);
+    EXPECT_STREQ(l->GetLayerDefn()->GetFieldDefn(0)->GetNameRef(), "WINDPWRD");
+    EXPECT_EQ(l->GetLayerDefn()->GetFieldDefn(0)->GetWidth(), 15);
+    EXPECT_EQ(l->GetLayerDefn()->GetFieldDefn(0)->GetPrecision(), 1);
+    int i = 0;
+    for (auto& f : *l) {
+        EXPECT_DOUBLE_EQ(f->GetFieldAsDouble(0), values[i]);
+        EXPECT_NEAR(f->GetGeometryRef()->toPolygon()->get_Area(), (10.0 + i) * (10.0 + i), 1e-6);
+        ++i;
+    }
+    // The reader of the program sees the same.
+    auto reread = layerFor(dir + "/result.shp");
+    ASSERT_TRUE(reread);
+    EXPECT_EQ(reread->Records()->Count(), 2);
+    EXPECT_EQ(reread->CoordinateSystem()->Unit.Name, "Meter");
+}
+
+TEST(Writing, AFailedSaveLeavesTheOldSetAndNoLeftovers)
+{
+    const std::string dir = testsupport::tempDir("nowrite");
+    datagen::writeShapefile(dir + "/keep.shp", GeomKind::Polygon, {{"V", 'N', 10, 1}}, {{square(0, 0, 1), {1.0}}});
+    const auto sizeBefore = std::filesystem::file_size(dir + "/keep.dbf");
+    auto desc = std::make_shared<TableDesc>();
+    desc->setFieldCount(1);
+    desc->setFieldName(0, "V");
+    desc->setFieldType(0, moDouble);
+    {
+        auto ds = GeoDataset::create(QString::fromStdString(dir + "/keep.shp"), moPolygon, *desc, nullptr);
+        ds->append(polygonAt(0, 0, 5), {QVariant(2.0)});
+        // dropped without StopEditing, as after a failure half way
+    }
+    EXPECT_EQ(std::filesystem::file_size(dir + "/keep.dbf"), sizeBefore);
+    EXPECT_EQ(QDir(QString::fromStdString(dir)).entryList(QDir::Files | QDir::Hidden).size(), 5);  // shp shx dbf cpg prj
+    // A directory that does not exist cannot take a new set.
+    DataConnection conn;
+    conn.Database = QString::fromStdString(dir) + "/keep.shp/";
+    EXPECT_FALSE(conn.Connect());
+    EXPECT_THROW(GeoDataset::create(QString::fromStdString(dir + "/keep.shp/x.shp"), moPolygon, *desc, nullptr), MapError);
+}
