@@ -459,3 +459,45 @@ TEST_F(InfoTest, FailureKeepsTheTextAndReportsTheActivation)
 }
 
 }  // namespace
+
+namespace {
+
+// Closing one of our own boxes gives the form the focus back; that is no new
+// activation, or a failing search would show its box again and again.
+TEST_F(InfoTest, ReturningFromAModalBoxDoesNotSearchAgain)
+{
+    addLayer("53_airports.shp", GeomKind::Point, {{"NAME", 'C'}}, {{pointAt(p->X(), p->Y()), {std::string("here")}}},
+             "Airports");
+    settle(view);
+    frmMain().iDownX = int16_t(tx);
+    frmMain().iDownY = int16_t(ty);
+    ShowFrmInfo();
+    QCoreApplication::processEvents();
+    FrmInfo& f = frmInfo();
+    if (QApplication::activeWindow() != &f) GTEST_SKIP() << "this platform does not activate windows";
+    EXPECT_EQ(f.txtInfo->Text(), "Airports\r\nNAME: here\r\n\r\n\r\n");
+
+    f.txtInfo->setText("marked");
+    QWidget box;
+    box.setWindowModality(Qt::ApplicationModal);
+    box.show();
+    box.activateWindow();
+    QCoreApplication::processEvents();
+    ASSERT_EQ(QApplication::activeWindow(), &box);
+    box.close();
+    f.activateWindow();
+    QCoreApplication::processEvents();
+    ASSERT_EQ(QApplication::activeWindow(), &f);
+    EXPECT_EQ(f.txtInfo->Text(), "marked");
+
+    // Coming back from a window that is not modal searches again.
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    QCoreApplication::processEvents();
+    f.activateWindow();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(f.txtInfo->Text(), "Airports\r\nNAME: here\r\n\r\n\r\n");
+}
+
+}  // namespace
