@@ -39,7 +39,9 @@ QString CalculateScale(Map* map)
         if (!cs)
             return QStringLiteral("- No Units - ");
 
-        const float mapInches = float(map->Width()) / 1440.0f;
+        // The constant is a single; the quotient is taken in double precision,
+        // which is what gives 1 : 6,619,124 for a million metres on 8565 twips.
+        const double mapInches = double(map->Width()) / double(1440.0f);
         const QString unit = cs->Unit.Name.toLower();
         const RectanglePtr extent = map->Extent();
         if (!extent)
@@ -56,7 +58,7 @@ QString CalculateScale(Map* map)
             groundInches = extent->Width() * 39.37;
         }
 
-        const double scale = checked(checkedDiv(groundInches, double(mapInches)));
+        const double scale = checked(checkedDiv(groundInches, mapInches));
         return QStringLiteral("Scale 1 : ") + vb::FormatNumber(scale, 0);
     } catch (...) {
         ErrorMessage(" Error while calculating the scale factor. Error Source:md_functions.CalculateScale()", 48);

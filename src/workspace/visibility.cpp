@@ -28,6 +28,8 @@ const QSet<QString> kShownWhenSmall = {"43_roads.shp", "59_cities.shp"};
 void SetDefaultVisibility(const MapLayerPtr& layer)
 {
     try {
+        if (!layer)
+            throw MapError("no layer");
         const QString tag = layer->Tag;
         if (kHiddenByDefault.contains(tag))
             layer->Visible = false;
@@ -43,6 +45,8 @@ void SetDefaultVisibility(const MapLayerPtr& layer)
 bool isSetLayerVisible(const MapLayerPtr& layer)
 {
     try {
+        if (!layer)
+            throw MapError("no layer");
         const RecordsetPtr records = layer->Records();
         if (!records)
             throw MapError("layer without records");

@@ -1,0 +1,439 @@
+// The main window: its design, start-up and shut-down, the resize rule and
+// the enabled state of the interface through its states.
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QKeyEvent>
+#include <QMenuBar>
+#include <QMouseEvent>
+#include <QUrl>
+
+#include "app/frmSplash.h"
+#include "info/frmInfo.h"
+#include "mainwindow_fixture.h"
+#include "mapping/legend.h"
+#include "mapping/map.h"
+#include "workspace/frmShowLayersDialog.h"
+
+using namespace fixture;
+using testsupport::recorder;
+
+namespace {
+
+class MainWindow : public ::testing::Test {
+protected:
+    void SetUp() override { main = &freshMain(); }
+    void TearDown() override { unloadFrmMain(); }
+    FrmMain* main = nullptr;
+};
+
+struct Placed {
+    const char* name;
+    QWidget* widget;
+    QWidget* container;
+    TwipsRect at;
+    QString caption;
+};
+
+QString captionOf(QWidget* w)
+{
+    if (auto* l = qobject_cast<QLabel*>(w)) return l->text();
+    if (auto* b = qobject_cast<QAbstractButton*>(w)) return b->text();
+    if (auto* g = qobject_cast<QGroupBox*>(w)) return g->title();
+    if (auto* c = qobject_cast<QComboBox*>(w)) return c->currentText();
+    if (auto* t = qobject_cast<QLineEdit*>(w)) return t->text();
+    return QString();
+}
+
+TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
+{
+    FrmMain& f = *main;
+    QWidget* client = f.centralWidget();
+    const Placed table[] = {
+        {"Toolbar1", f.Toolbar1, client, {0, 0, 12630, 420}, ""},
+        {"lblSelectQuery", f.lblSelectQuery, client, {120, 480, 1335, 255}, "Select Query:"},
+        {"cboSelectQuery", f.cboSelectQuery, client, {120, 720, 3615, 315}, "No Query (Base Map)"},
+        {"fraMapHolder", f.fraMapHolder, client, {3825, 270, 8790, 7710}, ""},
+        {"cmdOriginalMap", f.cmdOriginalMap, f.fraMapHolder, {210, 210, 1740, 300}, "Back to Original Map"},
+        {"cmdZoomIn", f.cmdZoomIn, f.fraMapHolder, {5280, 210, 330, 330}, "+"},
+        {"cboScale", f.cboScale, f.fraMapHolder, {5640, 210, 2565, 315}, "- No Map - "},
+        {"cmdZoomOut", f.cmdZoomOut, f.fraMapHolder, {8280, 210, 330, 330}, "-"},
+        {"optPanZoom(0)", f.optPanZoom[0], f.fraMapHolder, {2100, 300, 645, 225}, "Pan"},
+        {"optPanZoom(1)", f.optPanZoom[1], f.fraMapHolder, {3120, 300, 750, 225}, "Zoom"},
+        {"optPanZoom(2)", f.optPanZoom[2], f.fraMapHolder, {4320, 300, 630, 225}, "Info"},
+        {"Map1", f.Map1, f.fraMapHolder, {90, 630, 8565, 6705}, ""},
+        {"lblMapNote", f.lblMapNote, f.fraMapHolder, {120, 7380, 7815, 285}, f.lblMapNote->text()},
+        {"fraStartUpImage", f.fraStartUpImage, client, {120, 1080, 3495, 6495}, ""},
+        {"Image1", f.Image1, f.fraStartUpImage, {120, 120, 3240, 6255}, ""},
+        {"fraEditLegend", f.fraEditLegend, client, {120, 1080, 3495, 6495}, ""},
+        {"optEditLegend(0)", f.optEditLegend[0], f.fraEditLegend, {120, 210, 1065, 345}, "Edit Map"},
+        {"optEditLegend(1)", f.optEditLegend[1], f.fraEditLegend, {1620, 210, 1680, 345}, "Show Map legend"},
+        {"fraEdit", f.fraEdit, f.fraEditLegend, {120, 570, 3255, 5925}, ""},
+        {"Label4", f.Label4, f.fraEdit, {150, 0, 1995, 255}, "Query Parameters"},
+        {"fraEditQueryParameters", f.fraEditQueryParameters, f.fraEdit, {150, 240, 3015, 2835}, ""},
+        {"cmdShowData", f.cmdShowData, f.fraEdit, {720, 3120, 1215, 375}, "Results Table"},
+        {"cmdUpdateMap", f.cmdUpdateMap, f.fraEdit, {2100, 3120, 1035, 375}, "Update Map"},
+        {"lblWorking", f.lblWorking, f.fraEdit, {60, 3510, 3135, 555}, ""},
+        {"Label2", f.Label2, f.fraEdit, {150, 4020, 2895, 255}, "Layers currently displayed"},
+        {"lblLayersCurrentlyDisplayed", f.lblLayersCurrentlyDisplayed, f.fraEdit, {150, 4290, 3000, 1155}, "- No layers found -"},
+        {"cmdChangeLayers", f.cmdChangeLayers, f.fraEdit, {1200, 5520, 2055, 375}, "Change Layers..."},
+        {"fraLegend", f.fraLegend, f.fraEditLegend, {120, 600, 3375, 5895}, ""},
+        {"legend", f.legend, f.fraLegend, {0, 120, 3255, 5775}, ""},
+        {"Label5", f.Label5, f.fraLegend, {120, 360, 2775, 615}, "show legend stuff here..."},
+        {"chkProtectedAreas", f.chkProtectedAreas, f.fraEditQueryParameters, {2130, 1290, 225, 195}, ""},
+        {"txtQuery1(0)", f.txtQuery1[0], f.fraEditQueryParameters, {90, 180, 500, 285}, "5"},
+        {"txtQuery1(3)", f.txtQuery1[3], f.fraEditQueryParameters, {90, 1260, 500, 285}, "5"},
+        {"lblQuery1(4)", f.lblQuery1[4], f.fraEditQueryParameters, {120, 1680, 2400, 255}, "lblQuery1"},
+        {"lblQuery1(5)", f.lblQuery1[5], f.fraEditQueryParameters, {1770, 1260, 1170, 465}, "remove protected areas "},
+        {"lstQuery1", f.lstQuery1, f.fraEditQueryParameters, {90, 1890, 2805, 840}, ""},
+    };
+    for (const Placed& p : table) {
+        SCOPED_TRACE(p.name);
+        ASSERT_NE(p.widget, nullptr);
+        EXPECT_EQ(p.widget->parentWidget(), p.container);
+        const TwipsRect r = Twips(p.widget);
+        // Whole pixels of 15 twips each.
+        EXPECT_EQ(r.Left, TwipsToPx(p.at.Left) * 15);
+        EXPECT_EQ(r.Top, TwipsToPx(p.at.Top) * 15);
+        EXPECT_EQ(r.Width, TwipsToPx(p.at.Width) * 15);
+        EXPECT_EQ(r.Height, TwipsToPx(p.at.Height) * 15);
+        if (!p.caption.isEmpty())
+            EXPECT_EQ(captionOf(p.widget), p.caption);
+    }
+    EXPECT_EQ(f.windowTitle(), "Marlowan");
+    EXPECT_TRUE(f.lblMapNote->text().startsWith(
+        "Marlowan from Kelvora, a Tessimar Project.  For data source information, goto "));
+    EXPECT_TRUE(f.lblMapNote->text().endsWith("."));
+    EXPECT_EQ(f.lblWorking->text(), "");  // emptied by the base-map selection at start
+}
+
+TEST_F(MainWindow, LooksAsDesigned)
+{
+    FrmMain& f = *main;
+    for (QLabel* bold : {f.lblSelectQuery, f.Label4, f.Label2}) EXPECT_TRUE(bold->font().bold()) << bold->text().toStdString();
+    EXPECT_FALSE(f.lblLayersCurrentlyDisplayed->font().bold());
+    EXPECT_EQ(f.cmdZoomIn->font().family(), "Courier New");
+    EXPECT_EQ(f.cmdZoomOut->font().family(), "Courier New");
+    EXPECT_DOUBLE_EQ(f.lblWorking->font().pointSizeF(), 9.75);
+    EXPECT_EQ(ForeColor(f.lblWorking), RGB(0, 0, 255));
+    EXPECT_EQ(ForeColor(f.lblMapNote), RGB(255, 255, 255));
+    EXPECT_EQ(f.fraMapHolder->palette().color(QPalette::Window), QColor(Qt::black));
+    EXPECT_EQ(f.centralWidget()->palette().color(QPalette::Window), QColor(Qt::white));
+    for (QRadioButton* o : f.optPanZoom) {
+        EXPECT_EQ(o->palette().color(QPalette::WindowText), QColor(Qt::white));
+        EXPECT_EQ(o->palette().color(QPalette::Window), QColor(Qt::black));
+    }
+    ASSERT_NE(f.Image1->pixmap().isNull(), true);
+    EXPECT_EQ(f.Image1->pixmap().size(), QSize(216, 417));
+
+    // File holds four entries; Help stands beside it.
+    EXPECT_EQ(f.mnuFile->title(), "File");
+    QStringList entries;
+    for (QAction* a : f.mnuFile->actions()) entries << a->text();
+    EXPECT_EQ(entries, (QStringList{"Open Dataset...", "Save Result", "Print", "Exit"}));
+    QStringList top;
+    for (QAction* a : f.menuBar()->actions()) top << a->text();
+    EXPECT_EQ(top, (QStringList{"File", "Help"}));
+    EXPECT_EQ(f.mnuHelp->text(), "Help");
+}
+
+TEST_F(MainWindow, LoadLeavesTheStartStateAndTheStandardTable)
+{
+    FrmMain& f = *main;
+    EXPECT_TRUE(f.bFormLoaded);
+    EXPECT_TRUE(f.bFirstQuery);
+    EXPECT_EQ(f.iToolMode, 1);
+    EXPECT_EQ(f.iZoomFactor, 2);
+    EXPECT_TRUE(f.optPanZoom[1]->isChecked());
+    EXPECT_TRUE(f.optEditLegend[0]->isChecked());
+    EXPECT_TRUE(bShowMarkedShape);
+    EXPECT_EQ(sDataDirectory, QCoreApplication::applicationDirPath());
+    EXPECT_TRUE(sFieldName.isEmpty());
+    EXPECT_EQ(f.cboSelectQuery->ListIndex(), 0);
+    ASSERT_EQ(sStandardFiles.size(), 28u);
+    EXPECT_EQ(sStandardFiles[0], "01_elevation.shp");
+    EXPECT_EQ(sStandardFiles[10], "20_wind.shp");
+    EXPECT_EQ(sStandardFiles[23], "50_protectedarea.shp");
+    EXPECT_EQ(sStandardFiles[27], "59_cities.shp");
+    EXPECT_EQ(QStringList(sStandardFiles.begin(), sStandardFiles.end()).join(","),
+              q([] {
+                  std::string all;
+                  for (const auto& s : datagen::standardFiles()) all += (all.empty() ? "" : ",") + s;
+                  return all;
+              }()));
+    EXPECT_TRUE(recorder().boxes.empty());
+}
+
+TEST_F(MainWindow, FormHeightIsSetAtLoadAndTheMarginsMeasured)
+{
+    FrmMain& f = *main;
+    EXPECT_EQ(f.FormHeight(), 8835);
+    EXPECT_EQ(f.FormWidth(), 12630);
+    EXPECT_EQ(Twips(f.Toolbar1).Height, 420);
+    EXPECT_EQ(f.iFrameWidthMargin, 12630 - 8790);
+    EXPECT_EQ(f.iFrameHeightMargin, 8835 - 7710);
+    EXPECT_EQ(f.iMapWidthMargin, 12630 - 8565);
+    EXPECT_EQ(f.iMapHeightMargin, 8835 - 6705);
+    // The height set during the load did not move the map group.
+    EXPECT_EQ(Twips(f.fraMapHolder).Height, 7710);
+    EXPECT_EQ(Twips(f.Map1).Height, 6705);
+}
+
+TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSize)
+{
+    FrmMain& f = *main;
+    const TwipsRect left = Twips(f.fraStartUpImage), zoomIn = Twips(f.cmdZoomIn), scale = Twips(f.cboScale);
+
+    f.setFormSize(12630 + 1500, 8835 + 750);
+    EXPECT_EQ(Twips(f.fraMapHolder).Width, 8790 + 1500);
+    EXPECT_EQ(Twips(f.fraMapHolder).Height, 7710 + 750);
+    EXPECT_EQ(Twips(f.Map1).Width, 8565 + 1500);
+    EXPECT_EQ(Twips(f.Map1).Height, 6705 + 750);
+    EXPECT_EQ(Twips(f.lblMapNote).Top, 630 + 6705 + 750 + 45);
+    EXPECT_EQ(Twips(f.fraMapHolder).Left, 3825);
+    EXPECT_EQ(Twips(f.Map1).Left, 90);
+    EXPECT_EQ(Twips(f.fraStartUpImage).Width, left.Width);
+    EXPECT_EQ(Twips(f.fraStartUpImage).Height, left.Height);
+    EXPECT_EQ(Twips(f.cmdZoomIn).Left, zoomIn.Left);
+    EXPECT_EQ(Twips(f.cboScale).Left, scale.Left);
+
+    // Smaller again, still above every margin.
+    f.setFormSize(4500, 3000);
+    ASSERT_EQ(f.FormWidth(), 4500);
+    EXPECT_EQ(Twips(f.Map1).Width, 4500 - f.iMapWidthMargin);
+    EXPECT_EQ(Twips(f.Map1).Height, 3000 - f.iMapHeightMargin);
+
+    // Once a difference reaches zero nothing changes: the group keeps its last size.
+    f.setFormSize(f.iFrameWidthMargin, 3000);
+    ASSERT_EQ(f.FormWidth(), f.iFrameWidthMargin);
+    EXPECT_EQ(Twips(f.Map1).Width, 4500 - f.iMapWidthMargin);
+    EXPECT_EQ(Twips(f.fraMapHolder).Width, 4500 - f.iFrameWidthMargin);
+    f.setFormSize(6000, f.iMapHeightMargin - 15);
+    EXPECT_EQ(Twips(f.Map1).Width, 4500 - f.iMapWidthMargin);
+    EXPECT_TRUE(recorder().boxes.empty());
+}
+
+TEST_F(MainWindow, ResizeBeforeTheLoadHasFinishedChangesNothing)
+{
+    main->bFormLoaded = false;
+    main->setFormSize(15000, 10000);
+    EXPECT_EQ(Twips(main->Map1).Width, 8565);
+    EXPECT_EQ(Twips(main->fraMapHolder).Height, 7710);
+}
+
+// The enabled state after each way into it: start, a load with layers, a
+// load without, and a query run.
+TEST_F(MainWindow, EnabledStateFollowsTheStateTable)
+{
+    FrmMain& f = *main;
+    auto navigation = [&] {
+        return QList<bool>{f.cmdZoomIn->isEnabled(), f.cmdZoomOut->isEnabled(), f.cboScale->isEnabled(),
+                           f.optPanZoom[0]->isEnabled(), f.optPanZoom[1]->isEnabled(), f.optPanZoom[2]->isEnabled(),
+                           f.cboSelectQuery->isEnabled()};
+    };
+    const QList<bool> off(7, false), on(7, true);
+
+    // No dataset.
+    EXPECT_EQ(navigation(), off);
+    EXPECT_FALSE(Visible(f.cmdOriginalMap));
+    EXPECT_EQ(f.cmdUpdateMap->text(), "Update Map");
+    EXPECT_TRUE(f.cmdChangeLayers->isEnabled());
+    EXPECT_FALSE(Visible(f.lblWorking));
+    EXPECT_TRUE(Visible(f.fraStartUpImage));
+    EXPECT_FALSE(Visible(f.fraEditLegend));
+    EXPECT_TRUE(Visible(f.fraEdit));
+    EXPECT_FALSE(Visible(f.fraLegend));
+    EXPECT_FALSE(Visible(f.cmdShowData));
+
+    // Dataset, no query yet.
+    loadDirectory(q(testsupport::dataset()));
+    EXPECT_EQ(navigation(), on);
+    // A new dataset shows in full, so there is no way back to offer.
+    EXPECT_FALSE(Visible(f.cmdOriginalMap));
+    EXPECT_TRUE(Visible(f.fraStartUpImage));
+    EXPECT_EQ(f.cmdUpdateMap->text(), "Update Map");
+
+    // Running a query: the button becomes Cancel and stays live.
+    f.ControlEnable(false);
+    EXPECT_EQ(f.cmdUpdateMap->text(), "Cancel");
+    EXPECT_TRUE(f.cmdUpdateMap->isEnabled());
+    EXPECT_TRUE(Visible(f.lblWorking));
+    EXPECT_FALSE(f.cboSelectQuery->isEnabled());
+    EXPECT_FALSE(f.cmdChangeLayers->isEnabled());
+    EXPECT_EQ(f.Map1->MousePointer(), 11);
+    EXPECT_TRUE(f.cmdZoomIn->isEnabled());
+    // A repaint during the run brings the query list back, not Change Layers.
+    f.Map1->Refresh();
+    EXPECT_TRUE(f.cboSelectQuery->isEnabled());
+    EXPECT_FALSE(f.cmdChangeLayers->isEnabled());
+
+    f.ControlEnable(true);
+    EXPECT_EQ(f.cmdUpdateMap->text(), "Update Map");
+    EXPECT_FALSE(Visible(f.lblWorking));
+    EXPECT_TRUE(f.cmdChangeLayers->isEnabled());
+    EXPECT_EQ(f.Map1->MousePointer(), 0);
+
+    // A load without layers goes back to the first row.
+    const QString none = q(testsupport::tempDir("state-none"));
+    writeFeatures(QDir(none).filePath("parcels.shp").toStdString(), 1);
+    loadDirectory(none);
+    EXPECT_EQ(navigation(), off);
+    EXPECT_FALSE(Visible(f.cmdOriginalMap));
+    EXPECT_TRUE(f.cmdChangeLayers->isEnabled());
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+}
+
+TEST_F(MainWindow, EditOrLegendWaitsForTheFirstQuery)
+{
+    FrmMain& f = *main;
+    // The start-up picture is showing: the option has no effect.
+    f.optEditLegend[1]->setChecked(true);
+    EXPECT_TRUE(Visible(f.fraEdit));
+    EXPECT_FALSE(Visible(f.fraLegend));
+
+    f.bFirstQuery = false;
+    f.optEditLegend[0]->setChecked(true);
+    f.optEditLegend[1]->setChecked(true);
+    EXPECT_FALSE(Visible(f.fraEdit));
+    EXPECT_TRUE(Visible(f.fraLegend));
+    f.optEditLegend_Click(0);
+    EXPECT_TRUE(Visible(f.fraEdit));
+    EXPECT_FALSE(Visible(f.fraLegend));
+    // Any other index shows neither panel.
+    f.EditOrLegend(2);
+    EXPECT_FALSE(Visible(f.fraEdit));
+    EXPECT_FALSE(Visible(f.fraLegend));
+}
+
+TEST_F(MainWindow, ExitUnloadsEveryFormAndTheNextUseStartsAfresh)
+{
+    frmShowLayersDialog();
+    loadDirectory(q(testsupport::dataset()));
+    ShowFrmInfo();
+    ASSERT_TRUE(frmShowLayersDialogExists());
+    ASSERT_TRUE(frmInfoExists());
+
+    main->mnuExit_Click();
+    EXPECT_FALSE(frmMainExists());
+    EXPECT_FALSE(frmShowLayersDialogExists());
+    EXPECT_FALSE(frmInfoExists());
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+
+    // A new form is made and loaded at the next use, with an empty map.
+    FrmMain& again = frmMain();
+    EXPECT_TRUE(again.bFormLoaded);
+    EXPECT_EQ(again.Map1->Layers().Count(), 0);
+    EXPECT_EQ(again.FormHeight(), 8835);
+}
+
+class UrlCatcher : public QObject {
+    Q_OBJECT
+public:
+    QList<QUrl> urls;
+public slots:
+    void open(const QUrl& url) { urls << url; }
+};
+
+TEST_F(MainWindow, HelpOpensTheBareFileNameFromTheCurrentDirectory)
+{
+    UrlCatcher catcher;
+    QDesktopServices::setUrlHandler("file", &catcher, "open");
+    main->mnuHelp_Click();
+    QDesktopServices::unsetUrlHandler("file");
+    ASSERT_EQ(catcher.urls.size(), 1);
+    EXPECT_EQ(catcher.urls[0].toLocalFile(), QDir::current().absoluteFilePath("Dovrik_ONLINE_DOC.chm"));
+    EXPECT_TRUE(recorder().boxes.empty());
+}
+
+TEST_F(MainWindow, SplashLoadsTheMainFormAndShowsItWhenDismissed)
+{
+    unloadFrmMain();
+    ResetProgramState();
+    FrmSplash& s = frmSplash();
+    EXPECT_EQ(s.lblVersion->text(), "Version 1.2.0   (Click anywhere to continue)");
+    EXPECT_EQ(s.imgSplash->pixmap().size(), QSize(656, 440));
+    EXPECT_EQ(Twips(s.imgSplash).Width, 9840);
+    ASSERT_TRUE(frmMainExists());
+    EXPECT_TRUE(frmMain().bFormLoaded);
+    EXPECT_FALSE(frmMain().isVisible());
+    EXPECT_TRUE(frmShowLayersDialogExists());
+    EXPECT_FALSE(frmShowLayersDialog().isVisible());
+
+    // A click on the version label does nothing.
+    QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    QCoreApplication::sendEvent(s.lblVersion, &press);
+    EXPECT_TRUE(frmSplashExists());
+    EXPECT_FALSE(frmMain().isVisible());
+
+    // A click on the picture ends the splash and shows the main form.
+    QMouseEvent press2(QEvent::MouseButtonPress, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton, Qt::LeftButton,
+                       Qt::NoModifier);
+    QCoreApplication::sendEvent(s.imgSplash, &press2);
+    EXPECT_FALSE(frmSplashExists());
+    EXPECT_TRUE(frmMain().isVisible());
+    EXPECT_EQ(frmMain().Map1->Layers().Count(), 0);
+
+    // A key ends a splash as well.
+    unloadFrmMain();
+    FrmSplash& s2 = frmSplash();
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ");
+    QCoreApplication::sendEvent(&s2, &key);
+    EXPECT_FALSE(frmSplashExists());
+    EXPECT_TRUE(frmMain().isVisible());
+    EXPECT_TRUE(recorder().boxes.empty());
+}
+
+// One repaint: results are drawn at the first layer only, the interface is
+// brought up to date before the tracking layer, and the end re-arms the next.
+TEST_F(MainWindow, DrawEventsAreTheBeatOfTheInterface)
+{
+    FrmMain& f = *main;
+    loadDirectory(q(testsupport::dataset()));
+    struct Seen { QString event; bool drawn; QString label; };
+    std::vector<Seen> seen;
+    auto note = [&](const char* e) { seen.push_back({e, bQueryDrawn, f.lblLayersCurrentlyDisplayed->text()}); };
+    QObject guard;
+    QObject::connect(f.Map1, &Map::BeforeLayerDraw, &guard, [&](int, QPainter*) { note("before"); });
+    QObject::connect(f.Map1, &Map::AfterLayerDraw, &guard, [&](int, QPainter*) { note("after"); });
+    QObject::connect(f.Map1, &Map::BeforeTrackingLayerDraw, &guard, [&](QPainter*) { note("beforeTracking"); });
+    QObject::connect(f.Map1, &Map::AfterTrackingLayerDraw, &guard, [&](QPainter*) { note("afterTracking"); });
+
+    f.lblLayersCurrentlyDisplayed->setText("stale");
+    f.Map1->Refresh();
+    ASSERT_GE(seen.size(), 4u);
+    EXPECT_EQ(seen.front().event, "before");
+    for (size_t i = 0; i + 2 < seen.size(); ++i) {
+        EXPECT_TRUE(seen[i].drawn) << i;           // set at the first layer, kept through the layers
+        EXPECT_EQ(seen[i].label, "stale") << i;    // the interface waits for the tracking layer
+    }
+    EXPECT_EQ(seen[seen.size() - 2].event, "beforeTracking");
+    EXPECT_NE(seen[seen.size() - 2].label, "stale");
+    EXPECT_TRUE(seen[seen.size() - 2].drawn);
+    EXPECT_EQ(seen.back().event, "afterTracking");
+    EXPECT_FALSE(seen.back().drawn);
+    EXPECT_FALSE(bQueryDrawn);
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+}
+
+TEST_F(MainWindow, TheMarkedShapeHookStillClearsTheDrawnFlag)
+{
+    FrmMain& f = *main;
+    loadDirectory(q(testsupport::dataset()));
+    oMarkedShape = std::make_shared<Rectangle>(0, 0, 1, 1);
+    oMarkedSymbol.reset();  // drawing it fails
+    bQueryDrawn = true;
+    f.Map1_AfterTrackingLayerDraw(nullptr);
+    EXPECT_EQ(recorder().texts(),
+              QStringList{" Error while trying to draw tracking layer. Error Source:frmMain.Map1_AfterTrackingLayerDraw()"});
+    // Without a shape the flag is cleared.
+    recorder().clear();
+    oMarkedShape.reset();
+    bQueryDrawn = true;
+    f.Map1_AfterTrackingLayerDraw(nullptr);
+    EXPECT_FALSE(bQueryDrawn);
+    EXPECT_TRUE(recorder().boxes.empty());
+}
+
+}  // namespace
+
+#include "test_frmmain.moc"

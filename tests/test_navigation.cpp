@@ -1,0 +1,333 @@
+// Zooming, the mouse tools and the scale read-out.
+#include <QFile>
+#include <QTextStream>
+#include <cmath>
+
+#include "app/scale.h"
+#include "info/frmInfo.h"
+#include "mainwindow_fixture.h"
+#include "mapping/map.h"
+
+using namespace fixture;
+using testsupport::recorder;
+
+namespace {
+
+// A geographic system on a = 6378137 and f = 0.003352813, with the unit named
+// as given.
+QString geographicWkt(const QString& unit)
+{
+    return QStringLiteral("GEOGCS[\"GCS_Test\",DATUM[\"D_Test\",SPHEROID[\"Test\",6378137.0,%1]],"
+                          "PRIMEM[\"Greenwich\",0.0],UNIT[\"%2\",0.0174532925199433]]")
+        .arg(QString::number(1.0 / 0.003352813, 'g', 17), unit);
+}
+
+QString projectedWkt(const QString& unit, double toMetres = 1.0)
+{
+    return QStringLiteral("PROJCS[\"Test_TM\",GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\","
+                          "6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\",0.0174532925199433]],"
+                          "PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"False_Easting\",500000.0],"
+                          "PARAMETER[\"False_Northing\",0.0],PARAMETER[\"Central_Meridian\",21.0],"
+                          "PARAMETER[\"Scale_Factor\",0.9996],PARAMETER[\"Latitude_Of_Origin\",0.0],"
+                          "UNIT[\"%1\",%2]]")
+        .arg(unit, QString::number(toMetres, 'g', 17));
+}
+
+// One standard file with a polygon over the given box and a projection file
+// of the given text (none when empty).
+void writeLayer(const QString& dir, const QString& name, double l, double b, double r, double t, const QString& wkt)
+{
+    const std::string wktBox = "POLYGON((" + std::to_string(l) + " " + std::to_string(b) + "," + std::to_string(r)
+                               + " " + std::to_string(b) + "," + std::to_string(r) + " " + std::to_string(t) + ","
+                               + std::to_string(l) + " " + std::to_string(t) + "," + std::to_string(l) + " "
+                               + std::to_string(b) + "))";
+    datagen::writeShapefile(QDir(dir).filePath(name).toStdString(), datagen::GeomKind::Polygon, {{"ID", 'I'}},
+                            {{wktBox, {1LL}}}, false);
+    if (!wkt.isEmpty()) {
+        QFile prj(QDir(dir).filePath(QString(name).replace(".shp", ".prj")));
+        ASSERT_TRUE(prj.open(QIODevice::WriteOnly));
+        prj.write(wkt.toUtf8());
+    }
+}
+
+// A view exactly w wide about (cx, cy), with the control's own proportions so
+// that the map keeps the width asked for.
+void showWidth(Map* map, double cx, double cy, double w)
+{
+    const double h = w * map->height() / map->width();
+    map->setExtent(Rectangle(cx - w / 2, cy - h / 2, cx + w / 2, cy + h / 2));
+}
+
+class Navigation : public ::testing::Test {
+protected:
+    void SetUp() override { main = &freshMain(); }
+    void TearDown() override { unloadFrmMain(); }
+    FrmMain* main = nullptr;
+    Map* map() { return main->Map1; }
+};
+
+TEST_F(Navigation, WorkedScaleValues)
+{
+    ASSERT_EQ(map()->Width(), 8565);
+
+    const QString geo = q(testsupport::tempDir("scale-degree"));
+    writeLayer(geo, "39_countryboundary.shp", -10, 30, 10, 50, geographicWkt("Degree"));
+    loadDirectory(geo);
+    ASSERT_EQ(map()->Layers().Count(), 1);
+    double lon1 = 0, lat1 = 40, lon2 = 10, lat2 = 40;
+    EXPECT_NEAR(DegreesToMiles(map(), lon1, lat1, lon2, lat2), 530.3584, 0.00005);
+    showWidth(map(), 0, 40, 10);
+    EXPECT_EQ(CalculateScale(map()), "Scale 1 : 5,649,627");
+    EXPECT_EQ(main->cboScale->Text(), "Scale 1 : 5,649,627");
+    EXPECT_EQ(main->cboScale->ListCount(), 1);
+
+    const QString metres = q(testsupport::tempDir("scale-meter"));
+    writeLayer(metres, "39_countryboundary.shp", 0, 0, 2e6, 2e6, projectedWkt("Meter"));
+    loadDirectory(metres);
+    showWidth(map(), 1e6, 1e6, 1e6);
+    EXPECT_EQ(CalculateScale(map()), "Scale 1 : 6,619,124");
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+}
+
+TEST_F(Navigation, ScaleTextsWithoutAUsableUnit)
+{
+    EXPECT_EQ(CalculateScale(map()), "- No Map - ");
+    EXPECT_EQ(main->cboScale->Text(), "- No Map - ");
+
+    // Unit names are compared in lower case; only degree and meter convert.
+    struct Case { const char* name; QString wkt; bool geographic; const char* text; };
+    const Case cases[] = {
+        {"upper-meter", projectedWkt("METER"), false, "Scale 1 : 6,619,124"},
+        {"metre", projectedWkt("metre"), false, "Scale 1 : 0"},
+        {"foot", projectedWkt("Foot_US", 0.3048006096012192), false, "Scale 1 : 0"},
+        {"upper-degree", geographicWkt("DEGREE"), true, "Scale 1 : 5,649,627"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString dir = q(testsupport::tempDir(std::string("unit-") + c.name));
+        if (c.geographic) {
+            writeLayer(dir, "39_countryboundary.shp", -10, 30, 10, 50, c.wkt);
+            loadDirectory(dir);
+            showWidth(map(), 0, 40, 10);
+        } else {
+            writeLayer(dir, "39_countryboundary.shp", 0, 0, 2e6, 2e6, c.wkt);
+            loadDirectory(dir);
+            showWidth(map(), 1e6, 1e6, 1e6);
+        }
+        EXPECT_EQ(CalculateScale(map()), c.text);
+        EXPECT_EQ(main->cboScale->Text(), c.text);
+    }
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+}
+
+TEST_F(Navigation, OnlyTheTopLayersCoordinateSystemCounts)
+{
+    const QString dir = q(testsupport::tempDir("no-units"));
+    writeLayer(dir, "01_elevation.shp", 0, 0, 2e6, 2e6, projectedWkt("Meter"));
+    writeLayer(dir, "39_countryboundary.shp", 0, 0, 2e6, 2e6, QString());
+    loadDirectory(dir);
+    ASSERT_EQ(map()->Layers().Item(0)->Tag, "39_countryboundary.shp");
+    EXPECT_EQ(CalculateScale(map()), "- No Units - ");
+    EXPECT_EQ(main->cboScale->Text(), "- No Units - ");
+}
+
+TEST_F(Navigation, DistancesOnTheSpheroid)
+{
+    const QString dir = q(testsupport::tempDir("spheroid"));
+    writeLayer(dir, "39_countryboundary.shp", -10, 30, 10, 50, geographicWkt("Degree"));
+    loadDirectory(dir);
+
+    // The same point: nothing to measure, and no division by zero.
+    double a = 0, b = 40, c = 0, d = 40;
+    EXPECT_EQ(DegreesToMiles(map(), a, b, c, d), 0.0);
+    // A degree of latitude on this spheroid is about 69 miles.
+    double lon = 5, lat1 = 40, lon2 = 5, lat2 = 41;
+    EXPECT_NEAR(DegreesToMiles(map(), lon, lat1, lon2, lat2), 69.0, 0.1);
+    EXPECT_DOUBLE_EQ(DegToRad(180.0), 3.14159265358979);
+    EXPECT_DOUBLE_EQ(DegToRad(90.0), 3.14159265358979 / 2);
+    EXPECT_TRUE(recorder().boxes.empty());
+
+    // A projected top layer measures on the fall-back spheroid, which is the
+    // same here, so the worked value holds.
+    const QString tm = q(testsupport::tempDir("spheroid-tm"));
+    writeLayer(tm, "39_countryboundary.shp", 0, 0, 2e6, 2e6, projectedWkt("Meter"));
+    loadDirectory(tm);
+    double l1 = 0, la1 = 40, l2 = 10, la2 = 40;
+    EXPECT_NEAR(DegreesToMiles(map(), l1, la1, l2, la2), 530.3584, 0.00005);
+}
+
+TEST_F(Navigation, FailedCalculationsShowTheirTextAndGiveNothing)
+{
+    // No layer to take the spheroid from.
+    double a = 0, b = 40, c = 10, d = 40;
+    EXPECT_EQ(DegreesToMiles(map(), a, b, c, d), 0.0);
+    EXPECT_EQ(recorder().texts(),
+              QStringList{" Error while converting degree to mile. Error Source:md_functions.DegreesToMiles()"});
+
+    // A map control of no width cannot be divided by.
+    recorder().clear();
+    const QString dir = q(testsupport::tempDir("zero-width"));
+    writeLayer(dir, "39_countryboundary.shp", 0, 0, 2e6, 2e6, projectedWkt("Meter"));
+    loadDirectory(dir);
+    recorder().clear();
+    main->Map1->resize(0, main->Map1->height());
+    EXPECT_EQ(CalculateScale(map()), "");
+    EXPECT_EQ(recorder().texts(),
+              QStringList{" Error while calculating the scale factor. Error Source:md_functions.CalculateScale()"});
+}
+
+TEST_F(Navigation, ZoomButtonsHalveAndDoubleAboutTheCentre)
+{
+    loadDirectory(q(testsupport::dataset()));
+    main->cmdOriginalMap_Click();
+    const RectanglePtr start = map()->Extent();
+    const double cx = (start->Left + start->Right) / 2, cy = (start->Top + start->Bottom) / 2;
+    EXPECT_FALSE(Visible(main->cmdOriginalMap));
+
+    bQueryDrawn = true;
+    main->cmdZoomIn->click();
+    RectanglePtr e = map()->Extent();
+    EXPECT_NEAR(e->Width(), start->Width() / 2, 1e-6 * start->Width());
+    EXPECT_NEAR(e->Height(), start->Height() / 2, 1e-6 * start->Height());
+    EXPECT_NEAR((e->Left + e->Right) / 2, cx, 1e-6 * start->Width());
+    EXPECT_NEAR((e->Top + e->Bottom) / 2, cy, 1e-6 * start->Height());
+    EXPECT_FALSE(bQueryDrawn);
+    // The repaint showed the way back.
+    EXPECT_TRUE(Visible(main->cmdOriginalMap));
+
+    main->cmdZoomOut->click();
+    main->cmdZoomOut->click();
+    e = map()->Extent();
+    EXPECT_NEAR(e->Width(), start->Width() * 2, 1e-6 * start->Width());
+    EXPECT_FALSE(Visible(main->cmdOriginalMap));
+
+    main->cmdZoomIn->click();
+    main->cmdZoomIn->click();
+    main->cmdZoomIn->click();
+    EXPECT_TRUE(Visible(main->cmdOriginalMap));
+    main->cmdOriginalMap->click();
+    e = map()->Extent();
+    EXPECT_NEAR(e->Width(), start->Width(), 1e-6 * start->Width());
+    EXPECT_FALSE(Visible(main->cmdOriginalMap));
+
+    // Panned away at the full size: no way back is offered.
+    map()->CenterAt(cx + start->Width() / 3, cy);
+    EXPECT_FALSE(Visible(main->cmdOriginalMap));
+    EXPECT_TRUE(recorder().boxes.empty());
+}
+
+TEST_F(Navigation, AClickInZoomModeZoomsThenCentresOnThePointReadInTheNewView)
+{
+    loadDirectory(q(testsupport::dataset()));
+    const float x = 1500, y = 2250;  // twips on the control
+
+    struct Case { int button; double factor; };
+    for (const Case c : {Case{1, 0.5}, Case{2, 2.0}, Case{4, 2.0}}) {
+        SCOPED_TRACE(c.button);
+        main->cmdOriginalMap_Click();
+        const RectanglePtr before = map()->Extent();
+        main->iDownX = int16_t(x + 3);
+        main->iDownY = int16_t(y - 4);
+        main->Map1_MouseUp(c.button, 0, x, y);
+
+        RectanglePtr scaled = before->copy();
+        scaled->ScaleRectangle(c.factor);
+        const double s = map()->width() / scaled->Width();
+        const double px = scaled->Left + x / 15.0 / s, py = scaled->Top - y / 15.0 / s;
+        const RectanglePtr after = map()->Extent();
+        EXPECT_NEAR(after->Width(), before->Width() * c.factor, 1e-6 * before->Width());
+        EXPECT_NEAR((after->Left + after->Right) / 2, px, 1e-6 * before->Width());
+        EXPECT_NEAR((after->Top + after->Bottom) / 2, py, 1e-6 * before->Height());
+    }
+    EXPECT_TRUE(recorder().boxes.empty());
+}
+
+TEST_F(Navigation, MouseUpLeavesDragsOtherToolsAndAnEmptyMapAlone)
+{
+    auto unchanged = [&](const char* what) {
+        const RectanglePtr before = map()->Extent();
+        return [=, this] {
+            const RectanglePtr after = map()->Extent();
+            EXPECT_EQ(after->Left, before->Left) << what;
+            EXPECT_EQ(after->Width(), before->Width()) << what;
+        };
+    };
+    {
+        auto check = unchanged("empty map");
+        main->iDownX = 100;
+        main->iDownY = 100;
+        main->Map1_MouseUp(1, 0, 100, 100);
+        check();
+    }
+    loadDirectory(q(testsupport::dataset()));
+    struct Case { const char* what; int tool; float dx, dy; };
+    const Case cases[] = {
+        {"drag of 5 across", 1, 5, 0}, {"drag of 5 down", 1, 0, -5}, {"pan", 0, 0, 0}, {"info", 2, 0, 0},
+        {"no tool", 3, 0, 0},
+    };
+    for (const Case& c : cases) {
+        auto check = unchanged(c.what);
+        main->iToolMode = int16_t(c.tool);
+        main->iDownX = 600;
+        main->iDownY = 600;
+        main->Map1_MouseUp(1, 0, 600 + c.dx, 600 + c.dy);
+        check();
+    }
+    // 4.9 twips is still a click.
+    main->iToolMode = 1;
+    const double w = map()->Extent()->Width();
+    main->Map1_MouseUp(1, 0, 604.9f, 604.9f);
+    EXPECT_NEAR(map()->Extent()->Width(), w / 2, 1e-6 * w);
+}
+
+TEST_F(Navigation, MouseDownStoresThePointRoundedEvenOnAnEmptyMap)
+{
+    struct Case { float x, y; int16_t ix, iy; };
+    for (const Case c : {Case{10.5f, 11.5f, 10, 12}, Case{99.4f, 0.6f, 99, 1}, Case{2.5f, 3.5f, 2, 4}}) {
+        main->Map1_MouseDown(1, 0, c.x, c.y);
+        EXPECT_EQ(main->iDownX, c.ix);
+        EXPECT_EQ(main->iDownY, c.iy);
+    }
+    // Info on an empty map: no window.
+    main->iToolMode = 2;
+    main->Map1_MouseDown(1, 0, 30, 30);
+    EXPECT_FALSE(frmInfoExists());
+    EXPECT_TRUE(recorder().boxes.empty());
+}
+
+TEST_F(Navigation, InfoModeOpensTheInformationWindow)
+{
+    loadDirectory(q(testsupport::dataset()));
+    main->optPanZoom[2]->setChecked(true);
+    ASSERT_EQ(main->iToolMode, 2);
+    main->Map1_MouseDown(1, 0, 3000, 3000);
+    EXPECT_TRUE(frmInfoExists());
+    EXPECT_EQ(main->iDownX, 3000);
+}
+
+TEST_F(Navigation, ToolChoiceSetsTheModeAndThePointer)
+{
+    struct Case { int tool; int pointer; };
+    for (const Case c : {Case{0, 53}, Case{1, 50}, Case{2, 14}}) {
+        bQueryDrawn = true;
+        main->optPanZoom[size_t(c.tool)]->setChecked(true);
+        EXPECT_EQ(main->iToolMode, c.tool);
+        EXPECT_FALSE(bQueryDrawn);
+        main->Map1_MouseMove(0, 0, 10, 10);
+        EXPECT_EQ(main->Map1->MousePointer(), c.pointer);
+    }
+    main->iToolMode = 3;
+    main->Map1_MouseMove(0, 0, 10, 10);
+    EXPECT_EQ(main->Map1->MousePointer(), 1);
+    // Other values set no pointer: the hourglass of a run stays.
+    main->Map1->setMousePointer(11);
+    main->iToolMode = 7;
+    main->Map1_MouseMove(0, 0, 10, 10);
+    EXPECT_EQ(main->Map1->MousePointer(), 11);
+    // The tool stays as chosen across a load.
+    main->optPanZoom[0]->setChecked(true);
+    loadDirectory(q(testsupport::dataset()));
+    EXPECT_EQ(main->iToolMode, 0);
+}
+
+}  // namespace

@@ -1,0 +1,265 @@
+// Which layers show after a load, after a reset, through the Change Layers
+// dialog and the legend, and what the label of visible layers says.
+#include <QCheckBox>
+#include <QPushButton>
+#include <QTimer>
+
+#include "mainwindow_fixture.h"
+#include "mapping/legend.h"
+#include "mapping/map.h"
+#include "workspace/frmShowLayersDialog.h"
+#include "workspace/visibility.h"
+
+using namespace fixture;
+using testsupport::recorder;
+
+namespace {
+
+const QStringList kHidden = {
+    "01_elevation.shp",      "02_landuse.shp",   "11_solar_direct.shp",  "12_solar_tilt.shp",
+    "20_wind.shp",           "30_lakes.shp",     "31_protectedarea.shp", "36_subcountrybnd3.shp",
+    "37_subcountrybnd2.shp", "40_rivers.shp",    "42_railroad.shp",      "44_transmissionline.shp",
+    "50_protectedarea.shp",  "52_facilities.shp", "53_airports.shp",
+};
+const QStringList kShown = {"38_subcountrybnd1.shp", "51_powerplant.shp"};
+const QStringList kLeftAlone = {"13_solar_direct.shp", "14_solar_glo.shp", "15_solar_glo.shp", "16_solar_tilt.shp",
+                                "17_solar_direct.shp", "18_solar_tilt.shp", "21_wind.shp",     "22_wind.shp",
+                                "39_countryboundary.shp"};
+
+class Visibility : public ::testing::Test {
+protected:
+    void SetUp() override { main = &freshMain(); }
+    void TearDown() override { unloadFrmMain(); }
+    FrmMain* main = nullptr;
+    Map* map() { return main->Map1; }
+    MapLayerPtr layer(const QString& tag) { return map()->Layers().Item(cLayerIndex->Item(tag)); }
+    void setAll(bool on)
+    {
+        for (const MapLayerPtr& l : map()->Layers()) l->Visible = on;
+    }
+};
+
+TEST_F(Visibility, DefaultsAfterALoad)
+{
+    loadDirectory(q(testsupport::dataset()));
+    for (const QString& tag : kHidden) EXPECT_FALSE(layer(tag)->Visible) << tag.toStdString();
+    for (const QString& tag : kShown) EXPECT_TRUE(layer(tag)->Visible) << tag.toStdString();
+    // The small dataset has fewer than 50 roads and cities.
+    ASSERT_LT(layer("43_roads.shp")->Records()->Count(), 50);
+    EXPECT_TRUE(layer("43_roads.shp")->Visible);
+    EXPECT_TRUE(layer("59_cities.shp")->Visible);
+    // Solar layers were hidden while styled; the others of the last row show.
+    for (const char* tag : {"13_solar_direct.shp", "14_solar_glo.shp", "15_solar_glo.shp", "16_solar_tilt.shp",
+                            "17_solar_direct.shp", "18_solar_tilt.shp"})
+        EXPECT_FALSE(layer(tag)->Visible) << tag;
+    for (const char* tag : {"21_wind.shp", "22_wind.shp", "39_countryboundary.shp"}) EXPECT_TRUE(layer(tag)->Visible) << tag;
+    EXPECT_TRUE(recorder().boxes.empty());
+}
+
+TEST_F(Visibility, ReapplyingTheDefaultsTouchesOnlyTheNamedFiles)
+{
+    loadDirectory(q(testsupport::dataset()));
+    for (bool start : {true, false}) {
+        SCOPED_TRACE(start);
+        setAll(start);
+        for (const MapLayerPtr& l : map()->Layers()) SetDefaultVisibility(l);
+        for (const QString& tag : kHidden) EXPECT_FALSE(layer(tag)->Visible) << tag.toStdString();
+        for (const QString& tag : kShown) EXPECT_TRUE(layer(tag)->Visible) << tag.toStdString();
+        for (const QString& tag : kLeftAlone) EXPECT_EQ(layer(tag)->Visible, start) << tag.toStdString();
+        EXPECT_TRUE(layer("43_roads.shp")->Visible);
+    }
+    // The comparison is exact: another case is left alone.
+    auto odd = std::make_shared<MapLayer>();
+    odd->Tag = "20_Wind.shp";
+    SetDefaultVisibility(odd);
+    EXPECT_TRUE(odd->Visible);
+    EXPECT_TRUE(recorder().boxes.empty());
+}
+
+TEST_F(Visibility, RoadsAndCitiesShowBelowFiftyFeatures)
+{
+    struct Case { const char* file; datagen::GeomKind kind; int count; bool visible; };
+    const Case cases[] = {
+        {"43_roads.shp", datagen::GeomKind::Line, 49, true},  {"43_roads.shp", datagen::GeomKind::Line, 50, false},
+        {"59_cities.shp", datagen::GeomKind::Point, 49, true}, {"59_cities.shp", datagen::GeomKind::Point, 50, false},
+        {"59_cities.shp", datagen::GeomKind::Point, 0, true},
+    };
+    int n = 0;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.file) + " " + std::to_string(c.count));
+        const QString dir = q(testsupport::tempDir("count" + std::to_string(n++)));
+        writeFeatures(QDir(dir).filePath(c.file).toStdString(), c.count, c.kind);
+        loadDirectory(dir);
+        ASSERT_EQ(map()->Layers().Count(), 1);
+        EXPECT_EQ(map()->Layers().Item(0)->Visible, c.visible);
+        EXPECT_EQ(isSetLayerVisible(map()->Layers().Item(0)), c.visible);
+    }
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+}
+
+TEST_F(Visibility, FailuresShowTheirOwnTexts)
+{
+    // A roads layer that is bound to no file cannot be counted: hidden.
+    auto unbound = std::make_shared<MapLayer>();
+    unbound->Tag = "43_roads.shp";
+    SetDefaultVisibility(unbound);
+    EXPECT_FALSE(unbound->Visible);
+    EXPECT_EQ(recorder().texts(),
+              QStringList{"Error in isSetLayerVisible() function. Error while trying to count the number of features "
+                          "in a layer layer and set its visibility. "});
+    recorder().clear();
+    SetDefaultVisibility(nullptr);
+    EXPECT_EQ(recorder().texts(),
+              QStringList{"Erro while setting default visibility Error Source:md_functions.SetDefaultVisibility()"});
+}
+
+TEST_F(Visibility, TheLabelListsVisibleLayersTopFirstWithTrailingSeparators)
+{
+    main->Fill_lblLayersCurrentlyDisplayed();
+    EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text(), "- No layers found -");
+
+    const QString dir = q(testsupport::tempDir("label"));
+    for (const char* f : {"21_wind.shp", "30_lakes.shp", "39_countryboundary.shp"})
+        writeFeatures(QDir(dir).filePath(f).toStdString(), 1);
+    loadDirectory(dir);
+    EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text(), "Country Boundary; 21_wind; ");
+    setAll(true);
+    main->Fill_lblLayersCurrentlyDisplayed();
+    EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text(), "Country Boundary; Lakes; 21_wind; ");
+    setAll(false);
+    main->Fill_lblLayersCurrentlyDisplayed();
+    EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text(), "");
+
+    // Two files of one display name show twice.
+    loadDirectory(q(testsupport::dataset()));
+    setAll(true);
+    main->Fill_lblLayersCurrentlyDisplayed();
+    EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text().count("40 km Solar Concentrators Annual Average(KWH/M2/DAY); "), 2);
+    EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().startsWith("Cities; Airports; "));
+    EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().endsWith("; Land Use; Elevation (meters); "));
+}
+
+TEST_F(Visibility, DialogDesign)
+{
+    FrmShowLayersDialog& d = frmShowLayersDialog();
+    EXPECT_EQ(d.windowTitle(), "Change Layers");
+    EXPECT_EQ(d.parentWidget(), main);
+    EXPECT_EQ(d.size(), QSize(8145 / 15, 6120 / 15));
+    EXPECT_EQ(d.Label1->text(), "Click each layer you wish to display on the map, then click Update Map.");
+    EXPECT_EQ(d.OKButton->text(), "Update Map");
+    EXPECT_EQ(d.CancelButton->text(), "Cancel");
+    const TwipsRect ok = Twips(d.OKButton), cancel = Twips(d.CancelButton);
+    EXPECT_EQ(ok.Left, 3360);
+    EXPECT_EQ(ok.Top, 5640);
+    EXPECT_EQ(cancel.Left, 4920);
+    struct Case { int index, left, top; };
+    for (const Case c : {Case{0, 240, 360}, Case{13, 240, 360 + 360 * 13}, Case{14, 4200, 360},
+                         Case{26, 4200, 360 + 360 * 12}}) {
+        const TwipsRect r = Twips(d.chkShowLayers[size_t(c.index)]);
+        EXPECT_EQ(r.Left, c.left) << c.index;
+        EXPECT_EQ(r.Top, c.top) << c.index;
+        EXPECT_EQ(r.Width, 3495) << c.index;
+    }
+    EXPECT_EQ(d.chkShowLayers[5]->text(), "Check1");
+}
+
+TEST_F(Visibility, DialogWithoutLayersHidesEveryBoxAndSetsNothing)
+{
+    FrmShowLayersDialog& d = frmShowLayersDialog();
+    d.Form_Activate();
+    for (QCheckBox* box : d.chkShowLayers) EXPECT_FALSE(Visible(box));
+    d.OKButton_Click();
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+}
+
+TEST_F(Visibility, DialogOffersTwentySevenLayersAndLeavesTheTwentyEighthAlone)
+{
+    // 27 layers: every box shows, box i is layer i.
+    loadDirectory(q(testsupport::dataset("small", 1, {"22_wind.shp"})));
+    ASSERT_EQ(map()->Layers().Count(), 27);
+    FrmShowLayersDialog& d = frmShowLayersDialog();
+    d.Form_Activate();
+    for (int i = 0; i < 27; ++i) {
+        const MapLayerPtr l = map()->Layers().Item(i);
+        EXPECT_TRUE(Visible(d.chkShowLayers[size_t(i)])) << i;
+        EXPECT_EQ(d.chkShowLayers[size_t(i)]->text(), l->Name) << i;
+        EXPECT_EQ(d.chkShowLayers[size_t(i)]->isChecked(), l->Visible) << i;
+    }
+
+    // 28 layers: the bottom layer has no box and keeps its state.
+    loadDirectory(q(testsupport::dataset()));
+    ASSERT_EQ(map()->Layers().Count(), 28);
+    d.Form_Activate();
+    for (QCheckBox* box : d.chkShowLayers) box->setChecked(true);
+    map()->Layers().Item(27)->Visible = false;
+    bQueryDrawn = true;
+    d.OKButton_Click();
+    for (int i = 0; i < 27; ++i) EXPECT_TRUE(map()->Layers().Item(i)->Visible) << i;
+    EXPECT_FALSE(map()->Layers().Item(27)->Visible);
+    EXPECT_EQ(map()->Layers().Item(27)->Tag, "01_elevation.shp");
+    EXPECT_FALSE(bQueryDrawn);
+    // The repaint after OK brought the label up to date.
+    EXPECT_FALSE(main->lblLayersCurrentlyDisplayed->text().contains("Elevation"));
+    EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().startsWith("Cities; "));
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+}
+
+TEST_F(Visibility, CancelChangesNothingAndTheNextActivationShowsTheTruth)
+{
+    loadDirectory(q(testsupport::dataset()));
+    QList<bool> before;
+    for (const MapLayerPtr& l : map()->Layers()) before << l->Visible;
+
+    FrmShowLayersDialog& d = frmShowLayersDialog();
+    d.Form_Activate();
+    for (QCheckBox* box : d.chkShowLayers) box->setChecked(!box->isChecked());
+    d.CancelButton_Click();
+    QList<bool> after;
+    for (const MapLayerPtr& l : map()->Layers()) after << l->Visible;
+    EXPECT_EQ(after, before);
+    EXPECT_FALSE(d.isVisible());
+
+    d.Form_Activate();
+    for (int i = 0; i < 27; ++i) EXPECT_EQ(d.chkShowLayers[size_t(i)]->isChecked(), before[i]) << i;
+}
+
+// The real path: the button opens the dialog modally; a pending event ticks
+// the first box off and presses OK inside the dialog's own loop.
+TEST_F(Visibility, ChangeLayersButtonRunsTheDialogAndTheLabelFollows)
+{
+    loadDirectory(q(testsupport::dataset()));
+    ASSERT_TRUE(layer("59_cities.shp")->Visible);
+    bool ran = false;
+    QTimer::singleShot(0, main, [&] {
+        FrmShowLayersDialog& d = frmShowLayersDialog();
+        ran = d.isVisible();
+        d.Form_Activate();
+        d.chkShowLayers[0]->setChecked(false);
+        d.OKButton->click();
+    });
+    main->cmdChangeLayers->click();
+    EXPECT_TRUE(ran);
+    EXPECT_FALSE(frmShowLayersDialog().isVisible());
+    EXPECT_FALSE(layer("59_cities.shp")->Visible);
+    EXPECT_FALSE(main->lblLayersCurrentlyDisplayed->text().contains("Cities"));
+    // Losing the focus brings the interface up to date whichever button closed it.
+    main->lblLayersCurrentlyDisplayed->setText("stale");
+    frmShowLayersDialog().Form_Deactivate();
+    EXPECT_NE(main->lblLayersCurrentlyDisplayed->text(), "stale");
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+}
+
+TEST_F(Visibility, TheLegendsCheckBoxRepaintsTheMap)
+{
+    loadDirectory(q(testsupport::dataset()));
+    ASSERT_TRUE(layer("59_cities.shp")->Visible);
+    bQueryDrawn = true;
+    main->legend->clickCheckBox(0);
+    EXPECT_FALSE(layer("59_cities.shp")->Visible);
+    EXPECT_FALSE(bQueryDrawn);
+    EXPECT_FALSE(main->lblLayersCurrentlyDisplayed->text().contains("Cities"));
+    main->legend->clickCheckBox(0);
+    EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().startsWith("Cities; "));
+}
+
+}  // namespace
