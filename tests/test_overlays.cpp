@@ -1,0 +1,606 @@
+// The overlay queries on small hand-made data whose areas are known by hand:
+// protected areas taken away, land use, line buffers with their tiers and
+// proximity, and all criteria together; the order of the results, their
+// colours, the progress texts, the question, Cancel and the failures.
+#include <QMetaObject>
+#include <cmath>
+
+#include "engine/queries.h"
+#include "mapping/controls.h"
+#include "mapping/symbol.h"
+#include "query_fixture.h"
+
+using namespace qf;
+
+namespace {
+
+const QString kProtected = QStringLiteral("Best wind - protected areas");
+const QString kLandUse = QStringLiteral("Best wind + land use");
+const QString kRoads = QStringLiteral("Best wind + roads");
+const QString kTransmission = QStringLiteral("Best wind + transmission");
+const QString kAll = QStringLiteral("Best wind (all)");
+const QString kQuestion = QStringLiteral("This query may take few minutes to complete. Do you want to proceed?");
+
+const int kClass400 = RGB(255, 110, 180);
+const int kClass500 = RGB(154, 50, 205);
+const int kClass800 = RGB(0, 0, 255);
+const int kClass200 = RGB(222, 184, 135);
+const int kClass600 = RGB(255, 0, 0);
+
+// A self-crossing ring: any real overlay with it fails.
+std::string bowtie(double x, double y, double s)
+{
+    auto n = [](double v) { return std::to_string(v); };
+    return "POLYGON((" + n(x) + " " + n(y) + "," + n(x + s) + " " + n(y + s) + "," + n(x + s) + " " + n(y) + "," + n(x) +
+           " " + n(y + s) + "," + n(x) + " " + n(y) + "))";
+}
+
+void writeNamed(const std::string& dir, const std::string& file, const std::string& field,
+                const std::vector<std::pair<std::string, std::string>>& polys)
+{
+    std::vector<datagen::FeatureSpec> features;
+    for (const auto& [wkt, text] : polys) features.push_back({wkt, {text}});
+    datagen::writeShapefile(dir + "/" + file, datagen::GeomKind::Polygon, {{field, 'C', 30}}, features);
+}
+
+void writeLandUse(const std::string& dir, const std::vector<std::pair<std::string, std::string>>& polys)
+{
+    writeNamed(dir, "02_landuse.shp", "LAND_USE", polys);
+}
+
+void writeProtected(const std::string& dir, const std::vector<std::pair<std::string, std::string>>& polys)
+{
+    writeNamed(dir, "31_protectedarea.shp", "NAME", polys);
+}
+
+// Parallel segments 10 m long and 10 m apart: with a buffer of 1 m no two
+// buffers meet, so the area of the union counts the records in it.
+std::vector<std::string> shortSegments(int count, double y = 0)
+{
+    std::vector<std::string> out;
+    for (int i = 0; i < count; ++i) {
+        const std::string x = std::to_string(10.0 * i);
+        out.push_back("LINESTRING(" + x + " " + std::to_string(y) + "," + x + " " + std::to_string(y + 10) + ")");
+    }
+    return out;
+}
+
+// Area of one 1 m buffer of a 10 m segment: the rectangle and a circle of
+// 32 sides, which is how the buffer rounds its ends.
+const double kSegmentBuffer = 20.0 + 16.0 * std::sin(2 * M_PI / 32);
+
+double areaOf(const ShapePtr& s) { return std::dynamic_pointer_cast<GeoShape>(s)->Area(); }
+double areaAt(const QString& key) { return areaOf(cShapes->Item(key)); }
+
+bool covers(const PolygonPtr& p, double x, double y)
+{
+    Point pt(x, y);
+    return GEOSPreparedContains_r(geosContext(), p->prepared(), pt.geom().get()) == 1;
+}
+
+struct Panel {
+    QString min = "400", max = "Max";
+    QStringList landUses;
+    QStringList chosen;
+    QString distance1 = "1", distance2 = "1";
+    bool protectedTicked = true;
+};
+
+void setPanel(FrmMain& f, const Panel& p)
+{
+    setRange(f, p.min, p.max);
+    f.lstQuery1->Clear();
+    for (int i = 0; i < p.landUses.size(); ++i) {
+        f.lstQuery1->AddItem(p.landUses[i]);
+        f.lstQuery1->setSelected(i, p.chosen.contains(p.landUses[i]));
+    }
+    f.txtQuery1[1]->setText(p.distance1);
+    f.txtQuery1[2]->setText(p.distance2);
+    f.chkProtectedAreas->setChecked(p.protectedTicked);
+}
+
+FrmMain& loaded(const std::string& dir, const Panel& p = {})
+{
+    FrmMain& f = freshMain();
+    load(f, dir);
+    setPanel(f, p);
+    testsupport::recorder().clear();
+    return f;
+}
+
+QStringList boxTexts() { return testsupport::recorder().texts(); }
+
+}  // namespace
+
+// ------------------------------------------------------ protected areas
+
+TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrder)
+{
+    const std::string dir = testsupport::tempDir("protected");
+    writePolygons(dir, "20_wind.shp", "WINDPWRD",
+                  {{rect(0, 0, 1000, 1000), 500},         // right half protected, and a notch
+                   {rect(3000, 0, 1000, 1000), 800},      // untouched: comes back whole
+                   {rect(5500, 500, 1000, 1000), 450},    // wholly protected: nothing
+                   {rect(9000, 0, 1000, 1000), 150}});    // below the range
+    writeProtected(dir, {{rect(500, -500, 1000, 2000), "East"},
+                         {rect(5000, 0, 2000, 2000), "Inner"},
+                         {rect(300, 200, 400, 100), "Notch"}});  // overlaps East: dissolved first
+    writeCity(dir);
+    loaded(dir);
+
+    ProgressLog log;
+    fill_cShapes_collection(kProtected);
+
+    EXPECT_TRUE(boxTexts().isEmpty());
+    ASSERT_EQ(cShapes->Count(), 2);
+    EXPECT_NEAR(areaAt("0"), 500.0 * 1000 - 200.0 * 100, 1e-6);
+    EXPECT_NEAR(areaAt("1"), 1e6, 1e-6);
+    EXPECT_EQ(colorAt("0"), kClass500);
+    EXPECT_EQ(colorAt("1"), kClass800);
+    EXPECT_FALSE(cSymbols->Item("0")->Outline);
+    EXPECT_EQ(cFieldValues->Item("0").toDouble(), 500);
+    EXPECT_EQ(cFieldValues->Item("1").toDouble(), 800);
+    EXPECT_EQ(sFieldName, "WINDPWRD");
+    // The counter starts at 1, so the last record shows 100.0%.
+    EXPECT_EQ(log.texts, QStringList({"Overlaying...", "Overlaying... 33.3% finished", "Overlaying... 66.7% finished",
+                                      "Overlaying... 100.0% finished", "Overlaying... finished"}));
+}
+
+TEST(ProtectedAreas, OneRecordNoSelectionAndAFailingCut)
+{
+    const std::string dir = testsupport::tempDir("protected-edges");
+    writePolygons(dir, "20_wind.shp", "WINDPWRD",
+                  {{bowtie(0, 0, 1000), 600}, {rect(3000, 0, 1000, 1000), 400}});
+    writeProtected(dir, {{rect(500, -500, 3000, 2000), "Only"}});
+    writeCity(dir);
+
+    // The self-crossing wind polygon cannot be cut and gives nothing; the
+    // next one is cut by the only protected record, with no word.
+    loaded(dir);
+    fill_cShapes_collection(kProtected);
+    EXPECT_TRUE(boxTexts().isEmpty());
+    ASSERT_EQ(cShapes->Count(), 1);
+    EXPECT_NEAR(areaAt("0"), 5e5, 1e-6);
+    EXPECT_EQ(colorAt("0"), kClass400);
+
+    // A range that selects nothing: the dissolve runs, the loop does not.
+    Panel none;
+    none.min = "900";
+    loaded(dir, none);
+    ProgressLog log;
+    fill_cShapes_collection(kProtected);
+    EXPECT_EQ(cShapes->Count(), 0);
+    EXPECT_EQ(cFieldValues->Count(), 0);
+    EXPECT_EQ(log.texts, QStringList({"Overlaying...", "Overlaying... finished"}));
+    EXPECT_TRUE(boxTexts().isEmpty());
+}
+
+TEST(ProtectedAreas, ARecordWithoutAPolygonBringsItsBoxBackAgain)
+{
+    const std::string dir = testsupport::tempDir("protected-null");
+    writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
+    std::vector<datagen::FeatureSpec> areas = {{rect(500, 0, 1000, 1000), {std::string("Park")}},
+                                               {"", {std::string("Lost Park")}}};
+    datagen::writeShapefile(dir + "/31_protectedarea.shp", datagen::GeomKind::Polygon, {{"NAME", 'C', 30}}, areas);
+    writeCity(dir);
+    loaded(dir);
+
+    // The box of such a record never ends by design; the test's handler ends
+    // it by throwing after the third, and the entry routine reports that.
+    struct Stop {};
+    auto& rec = testsupport::recorder();
+    rec.onBox = [&rec](const testsupport::Recorder::Box&) {
+        if (rec.boxes.size() == 3) throw Stop{};
+    };
+    wind_minus_protected_areas();
+    rec.onBox = nullptr;
+
+    EXPECT_EQ(boxTexts(), QStringList({"Lost Park is not a polygon type", "Lost Park is not a polygon type",
+                                       "Lost Park is not a polygon type",
+                                       " Error Source:md_query_functions2.wind_minus_protected_areas()"}));
+}
+
+TEST(ProtectedAreas, MissingLayersEndTheQueryWithItsMessage)
+{
+    const std::string dir = testsupport::tempDir("protected-missing");
+    writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
+    writeCity(dir);
+    loaded(dir);
+    fill_cShapes_collection(kProtected);
+    EXPECT_EQ(boxTexts(), QStringList({"Error generated in while performing the query"}));
+    EXPECT_EQ(cShapes->Count(), 0);
+}
+
+// ------------------------------------------------------------ land use
+
+TEST(LandUse, PiecesComeLandMajorAndAreNotMerged)
+{
+    const std::string dir = testsupport::tempDir("landuse");
+    writePolygons(dir, "20_wind.shp", "WINDPWRD",
+                  {{rect(0, 0, 1000, 1000), 500},
+                   {rect(2000, 0, 1000, 1000), 800},
+                   {rect(4000, 0, 1000, 1000), 450},
+                   {rect(6000, 0, 1000, 1000), 600},
+                   {rect(8000, 0, 1000, 1000), 150}});
+    writeLandUse(dir, {{rect(4500, -100, 1000, 1200), "FOREST"},     // half of the third
+                       {rect(-100, -100, 3200, 1200), "FOREST"},     // the first two whole
+                       {rect(-100, -100, 10000, 1200), "WATER"},     // not chosen
+                       {rect(6000, 0, 400, 1000), "CROPLAND"},       // two adjoining pieces
+                       {rect(6400, 0, 600, 1000), "CROPLAND"}});     // of the fourth
+    writeCity(dir);
+    Panel p;
+    p.landUses = {"CROPLAND", "FOREST", "WATER"};
+    p.chosen = {"CROPLAND", "FOREST"};
+    loaded(dir, p);
+
+    ProgressLog log;
+    fill_cShapes_collection(kLandUse);
+
+    EXPECT_TRUE(boxTexts().isEmpty());
+    ASSERT_EQ(cShapes->Count(), 5);
+    const std::vector<std::pair<double, int>> expected = {
+        {5e5, kClass400}, {1e6, kClass500}, {1e6, kClass800}, {4e5, kClass600}, {6e5, kClass600}};
+    for (int i = 0; i < 5; ++i) {
+        const QString key = QString::number(i);
+        EXPECT_NEAR(areaAt(key), expected[size_t(i)].first, 1e-6) << i;
+        EXPECT_EQ(colorAt(key), expected[size_t(i)].second) << i;
+    }
+    EXPECT_EQ(cFieldValues->Item("3").toDouble(), 600);
+    // 4 land records of 4 wind records each: one text per land record.
+    EXPECT_EQ(log.texts, QStringList({"Overlaying...", "Overlaying... 25.0% finished", "Overlaying... 50.0% finished",
+                                      "Overlaying... 75.0% finished", "Overlaying... 100.0% finished",
+                                      "Overlaying... finished"}));
+}
+
+// A failing cut leaves the previous pair's piece, which is kept again under
+// the current wind record; a pair in between that met nothing clears it.
+TEST(LandUse, AFailingCutRepeatsThePreviousPiece)
+{
+    struct Case {
+        const char* name;
+        bool gap;
+        int shapes;
+    };
+    for (const Case& c : {Case{"adjacent", false, 2}, Case{"after-a-miss", true, 1}}) {
+        SCOPED_TRACE(c.name);
+        const std::string dir = testsupport::tempDir(std::string("landuse-fail-") + c.name);
+        std::vector<Poly> winds = {{rect(0, 0, 1000, 1000), 500}};
+        if (c.gap) winds.push_back({rect(0, 50000, 1000, 1000), 450});
+        winds.push_back({bowtie(2500, 0, 1000), 800});
+        writePolygons(dir, "20_wind.shp", "WINDPWRD", winds);
+        writeLandUse(dir, {{rect(500, -100, 2500, 1200), "FOREST"}});
+        writeCity(dir);
+        Panel p;
+        p.landUses = {"FOREST"};
+        p.chosen = {"FOREST"};
+        loaded(dir, p);
+
+        fill_cShapes_collection(kLandUse);
+        EXPECT_TRUE(boxTexts().isEmpty());
+        ASSERT_EQ(cShapes->Count(), c.shapes);
+        EXPECT_NEAR(areaAt("0"), 5e5, 1e-6);
+        EXPECT_EQ(colorAt("0"), kClass500);
+        if (c.shapes == 2) {
+            EXPECT_EQ(cShapes->Item("1"), cShapes->Item("0"));
+            EXPECT_EQ(colorAt("1"), kClass800);
+            EXPECT_EQ(cFieldValues->Item("1").toDouble(), 800);
+        }
+    }
+}
+
+TEST(LandUse, NoChoiceAndNoMatchingRecord)
+{
+    const std::string dir = testsupport::tempDir("landuse-empty");
+    writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
+    writeLandUse(dir, {{rect(0, 0, 1000, 1000), "FOREST"}});
+    writeCity(dir);
+
+    // Nothing chosen: the expression cannot be cut short; the list index
+    // stands in the message, as the counter shares its variable.
+    Panel p;
+    p.landUses = {"BARREN", "FOREST", "WATER"};
+    loaded(dir, p);
+    fill_cShapes_collection(kLandUse);
+    EXPECT_EQ(boxTexts(), QStringList({" Error Source:md_query_functions2.Wind_Landuse_Overlay()3--0"}));
+
+    // A choice that matches no record: no pair, no "finished".
+    p.chosen = {"WATER"};
+    loaded(dir, p);
+    ProgressLog log;
+    fill_cShapes_collection(kLandUse);
+    EXPECT_TRUE(boxTexts().isEmpty());
+    EXPECT_EQ(cShapes->Count(), 0);
+    EXPECT_EQ(log.texts, QStringList({"Overlaying..."}));
+}
+
+// ------------------------------------------------------------ line buffers
+
+TEST(LineBuffers, AStraightRoadAndItsBufferCutTheWindPolygons)
+{
+    const std::string dir = testsupport::tempDir("roads");
+    writePolygons(dir, "20_wind.shp", "WINDPWRD",
+                  {{rect(1000, 0, 1000, 1000), 500},       // inside the buffer: whole
+                   {rect(3000, 1000, 1000, 1000), 800},    // half inside
+                   {bowtie(5000, 500, 1000), 600},         // fails: the previous piece again
+                   {rect(7000, 5000, 1000, 1000), 450}});  // out of reach
+    writeLines(dir, "43_roads.shp", {"LINESTRING(0 0, 10000 0)"});
+    writeCity(dir);
+    Panel p;
+    p.distance2 = "1.5";
+    loaded(dir, p);
+
+    ProgressLog log;
+    fill_cShapes_collection(kRoads);
+
+    EXPECT_TRUE(boxTexts().isEmpty());
+    ASSERT_EQ(cShapes->Count(), 3);
+    EXPECT_NEAR(areaAt("0"), 1e6, 1e-6);
+    EXPECT_NEAR(areaAt("1"), 5e5, 1e-6);
+    EXPECT_EQ(cShapes->Item("2"), cShapes->Item("1"));
+    EXPECT_EQ(colorAt("1"), kClass800);
+    EXPECT_EQ(colorAt("2"), kClass600);
+    // A layer of one record: the buffer comes without a record text.
+    EXPECT_EQ(log.texts, QStringList({"Overlaying...", "Overlaying... 0.0% finished", "Overlaying... 25.0% finished",
+                                      "Overlaying... 50.0% finished", "Overlaying... 75.0% finished",
+                                      "Overlaying... finished"}));
+}
+
+TEST(LineBuffers, TheDistanceIsInKilometres)
+{
+    const std::string dir = testsupport::tempDir("roads-distance");
+    writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
+    writeLines(dir, "44_transmissionline.shp", {"LINESTRING(0 0, 100000 0)"});
+    writeCity(dir);
+    loaded(dir);
+    PolygonPtr buffer = create_line_buffers("44_transmissionline.shp", 5);
+    ASSERT_TRUE(buffer);
+    EXPECT_TRUE(covers(buffer, 50000, 4990));
+    EXPECT_FALSE(covers(buffer, 50000, 5010));
+    EXPECT_TRUE(boxTexts().isEmpty());
+}
+
+TEST(LineBuffers, BelowFourHundredRecordsEveryBufferCountsWithoutAQuestion)
+{
+    const std::string dir = testsupport::tempDir("roads-399");
+    writeLines(dir, "43_roads.shp", shortSegments(399));
+    writeCity(dir);
+    loaded(dir);
+    ProgressLog log;
+    PolygonPtr buffer = create_line_buffers("43_roads.shp", 0.001f);
+    ASSERT_TRUE(buffer);
+    EXPECT_TRUE(boxTexts().isEmpty());
+    EXPECT_NEAR(buffer->Area(), 399 * kSegmentBuffer, 1e-4);
+    ASSERT_EQ(log.texts.size(), 398);
+    EXPECT_EQ(log.texts.first(), "Creating Roads Buffers: 2 of 399");
+    EXPECT_EQ(log.texts.last(), "Creating Roads Buffers: 399 of 399");
+}
+
+TEST(LineBuffers, FromFourHundredRecordsTheTiersLeaveRecordsOut)
+{
+    const std::string dir = testsupport::tempDir("roads-400");
+    writeLines(dir, "43_roads.shp", shortSegments(400));
+    writeCity(dir);
+    loaded(dir);
+    ProgressLog log;
+    PolygonPtr buffer = create_line_buffers("43_roads.shp", 0.001f);
+    ASSERT_TRUE(buffer);
+
+    ASSERT_EQ(testsupport::recorder().boxes.size(), 1u);
+    EXPECT_EQ(testsupport::recorder().boxes[0].text, kQuestion);
+    EXPECT_EQ(testsupport::recorder().boxes[0].buttons, seam::Buttons::YesNo);
+    // Records 102, 203 and 304 (counted from 1) add nothing.
+    EXPECT_NEAR(buffer->Area(), 397 * kSegmentBuffer, 1e-4);
+    for (int record = 1; record <= 400; ++record) {
+        const bool left = record == 102 || record == 203 || record == 304;
+        EXPECT_EQ(covers(buffer, 10.0 * (record - 1), 5), !left) << "record " << record;
+    }
+    ASSERT_EQ(log.texts.size(), 399 + 3);
+    EXPECT_EQ(log.texts[0], "Creating Roads Buffers: 2 of 400");
+    EXPECT_EQ(log.texts[398], "Creating Roads Buffers: 400 of 400");
+    EXPECT_EQ(log.texts.mid(399), QStringList({"Creating buffer polygon 1 out of 3", "Creating buffer polygon 2 out of 3",
+                                               "Creating buffer polygon 3 out of 3"}));
+}
+
+TEST(LineBuffers, TheSecondTierLeavesEveryEleventhBatchOut)
+{
+    const std::string dir = testsupport::tempDir("roads-1300");
+    writeLines(dir, "43_roads.shp", shortSegments(1300));
+    writeCity(dir);
+    loaded(dir);
+    ProgressLog log;
+    PolygonPtr buffer = create_line_buffers("43_roads.shp", 0.001f);
+    ASSERT_TRUE(buffer);
+
+    // Twelve full batches of the first tier; the open one (records 1214 to
+    // 1300) starts the first group, batch 11 (records 1012 to 1111) closes
+    // it unused, and batch 12 starts the second.
+    auto left = [](int record) {
+        if (record >= 1012 && record <= 1111) return true;
+        return record >= 102 && (record - 102) % 101 == 0;
+    };
+    int kept = 0;
+    for (int record = 1; record <= 1300; ++record) {
+        if (!left(record)) ++kept;
+        EXPECT_EQ(covers(buffer, 10.0 * (record - 1), 5), !left(record)) << "record " << record;
+    }
+    EXPECT_EQ(kept, 1300 - 100 - 12);
+    EXPECT_NEAR(buffer->Area(), kept * kSegmentBuffer, 1e-3);
+    QStringList tiers = log.texts.mid(1299);
+    QStringList expected;
+    for (int i = 1; i <= 10; ++i) expected << QString("Creating buffer polygon %1 out of 12").arg(i);
+    expected << "Creating buffer polygon 12 out of 12"
+             << "Creating buffer polygon 1 out of 1";
+    EXPECT_EQ(tiers, expected);
+}
+
+TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
+{
+    const std::string dir = testsupport::tempDir("roads-no");
+    writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
+    writeLines(dir, "43_roads.shp", shortSegments(400));
+    writeCity(dir);
+    FrmMain& f = loaded(dir);
+
+    // The previous run's values stay, as the worker never starts.
+    cFieldValues = std::make_shared<Collection<QVariant>>();
+    cFieldValues->Add(QVariant(123.0), "0");
+    sFieldName = "ANNGLO";
+    testsupport::recorder().answers = {seam::Answer::No};
+    {
+        ProgressLog log;
+        fill_cShapes_collection(kRoads);
+        EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
+        EXPECT_TRUE(log.texts.isEmpty());
+        EXPECT_EQ(cShapes->Count(), 0);
+        EXPECT_EQ(cFieldValues->Count(), 1);
+        EXPECT_EQ(sFieldName, "ANNGLO");
+    }
+
+    // Cancel pressed while record 150 is shown is served at the next yield.
+    testsupport::recorder().clear();
+    ProgressLog log;
+    bool posted = false;
+    log.also = [&](const QString& t) {
+        if (posted || t != "Creating Roads Buffers: 150 of 400") return;
+        posted = true;
+        QMetaObject::invokeMethod(&f, [] { bCancelQuery = true; }, Qt::QueuedConnection);
+    };
+    fill_cShapes_collection(kRoads);
+    EXPECT_TRUE(bCancelQuery);
+    EXPECT_EQ(log.texts.last(), "Creating Roads Buffers: 150 of 400");
+    EXPECT_FALSE(log.texts.contains("Overlaying..."));
+    EXPECT_EQ(cShapes->Count(), 0);
+    EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
+}
+
+TEST(LineBuffers, FailuresOfTheBufferStopWithItsMessage)
+{
+    struct Case {
+        const char* name;
+        int records;  // -1: no roads file at all
+    };
+    for (const Case& c : {Case{"missing", -1}, Case{"sixteen-bit", 32768}}) {
+        SCOPED_TRACE(c.name);
+        const std::string dir = testsupport::tempDir(std::string("roads-fail-") + c.name);
+        writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
+        if (c.records > 0) writeLines(dir, "43_roads.shp", shortSegments(c.records));
+        writeCity(dir);
+        loaded(dir);
+        ProgressLog log;
+        fill_cShapes_collection(kRoads);
+        // No question: the count fails before it.
+        EXPECT_EQ(boxTexts(), QStringList({" Error Source:md_query_functions2.create_line_buffers()"}));
+        EXPECT_TRUE(log.texts.isEmpty());
+        EXPECT_EQ(cShapes->Count(), 0);
+    }
+}
+
+// ------------------------------------------------------------ all criteria
+
+namespace {
+
+// Roads along y = 500 and transmission along y = 0, 1 km each: the proximity
+// strip runs from y = -500 to 1000. Two chosen land-use polygons cut it into
+// two pieces; the protected area takes the right half of the second wind polygon.
+std::string allDataset(const std::string& name, bool withProtected = true)
+{
+    const std::string dir = testsupport::tempDir(name);
+    writePolygons(dir, "20_wind.shp", "WINDPWRD",
+                  {{rect(4000, 0, 1000, 1000), 800},
+                   {rect(0, 0, 1000, 1000), 500},
+                   {rect(2000, 0, 1000, 1000), 450},
+                   {rect(0, 3000, 1000, 1000), 600}});  // outside the strip
+    writeLines(dir, "43_roads.shp", {"LINESTRING(-20000 500, 20000 500)"});
+    writeLines(dir, "44_transmissionline.shp", {"LINESTRING(-20000 0, 20000 0)"});
+    writeLandUse(dir, {{rect(-100, -2000, 3200, 8000), "FOREST"},
+                       {rect(3900, -2000, 1200, 8000), "FOREST"},
+                       {rect(-5000, -2000, 4000, 8000), "WATER"}});
+    if (withProtected) writeProtected(dir, {{rect(2500, -5000, 1000, 10000), "Reserve"}});
+    writeCity(dir);
+    return dir;
+}
+
+Panel allPanel(bool ticked)
+{
+    Panel p;
+    p.landUses = {"FOREST", "WATER"};
+    p.chosen = {"FOREST"};
+    p.protectedTicked = ticked;
+    return p;
+}
+
+}  // namespace
+
+TEST(AllCriteria, PiecesThenWindThenProtectedAreas)
+{
+    loaded(allDataset("all"), allPanel(true));
+    ProgressLog log;
+    fill_cShapes_collection(kAll);
+
+    EXPECT_TRUE(boxTexts().isEmpty());
+    // Piece by piece, and within a piece in the order of the wind records.
+    ASSERT_EQ(cShapes->Count(), 3);
+    EXPECT_NEAR(areaAt("0"), 1e6, 1e-6);
+    EXPECT_NEAR(areaAt("1"), 5e5, 1e-6);
+    EXPECT_NEAR(areaAt("2"), 1e6, 1e-6);
+    EXPECT_EQ(colorAt("0"), kClass500);
+    EXPECT_EQ(colorAt("1"), kClass400);
+    EXPECT_EQ(colorAt("2"), kClass800);
+    EXPECT_EQ(cFieldValues->Item("2").toDouble(), 800);
+    EXPECT_EQ(log.texts, QStringList({"Intersecting...", "Intersecting... 0.0% finished",
+                                      "Intersecting... 50.0% finished", "Overlaying... 0.0% finished",
+                                      "Overlaying... 50.0% finished", "Overlaying... finished"}));
+}
+
+TEST(AllCriteria, UntickedProtectedAreasAreNotNeeded)
+{
+    for (bool withFile : {true, false}) {
+        SCOPED_TRACE(withFile ? "with the file" : "without the file");
+        loaded(allDataset(withFile ? "all-unticked" : "all-unticked-nofile", withFile), allPanel(false));
+        fill_cShapes_collection(kAll);
+        EXPECT_TRUE(boxTexts().isEmpty());
+        ASSERT_EQ(cShapes->Count(), 3);
+        EXPECT_NEAR(areaAt("1"), 1e6, 1e-6);
+    }
+}
+
+TEST(AllCriteria, NoPlaceNearBothLinesGivesNothingAndNoWord)
+{
+    const std::string dir = allDataset("all-apart");
+    writeLines(dir, "44_transmissionline.shp", {"LINESTRING(-20000 50000, 20000 50000)"});
+    loaded(dir, allPanel(true));
+    ProgressLog log;
+    fill_cShapes_collection(kAll);
+    EXPECT_TRUE(boxTexts().isEmpty());
+    EXPECT_EQ(cShapes->Count(), 0);
+    EXPECT_EQ(log.texts, QStringList({"Intersecting...", "Intersecting... 0.0% finished",
+                                      "Intersecting... 50.0% finished"}));
+}
+
+TEST(AllCriteria, TheSecondQuestionAnsweredNoStopsAfterTheRoads)
+{
+    const std::string dir = allDataset("all-no");
+    writeLines(dir, "43_roads.shp", shortSegments(400, 500));
+    writeLines(dir, "44_transmissionline.shp", shortSegments(400, 0));
+    loaded(dir, allPanel(true));
+    testsupport::recorder().answers = {seam::Answer::Yes, seam::Answer::No};
+    ProgressLog log;
+    fill_cShapes_collection(kAll);
+    EXPECT_EQ(boxTexts(), QStringList({kQuestion, kQuestion}));
+    EXPECT_EQ(log.texts.last(), "Creating buffer polygon 3 out of 3");
+    EXPECT_FALSE(log.texts.contains("Intersecting..."));
+    EXPECT_EQ(cShapes->Count(), 0);
+}
+
+TEST(AllCriteria, FailuresBeforeTheFirstLandPolygonAreReported)
+{
+    const std::string dir = testsupport::tempDir("all-nolanduse");
+    writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
+    writeLines(dir, "43_roads.shp", {"LINESTRING(-20000 500, 20000 500)"});
+    writeLines(dir, "44_transmissionline.shp", {"LINESTRING(-20000 0, 20000 0)"});
+    writeCity(dir);
+    loaded(dir, allPanel(true));
+    fill_cShapes_collection(kAll);
+    EXPECT_EQ(boxTexts(), QStringList({" Error Source:md_query_functions2.Wind_All_Overlay()"}));
+    EXPECT_EQ(cShapes->Count(), 0);
+}
