@@ -123,10 +123,12 @@ public:
         }
         return true;
     }
-    int fieldFor(const QString& name) const {
-        for (size_t i = 0; i < fields_.size(); ++i)
-            if (fields_[i].name.compare(name, Qt::CaseInsensitive) == 0 && fields_[i].type == 'C') return int(i);
-        return -1;
+    // The reader's fields are the table's, in the same order; names alone
+    // could not tell "Name" from "NAME".
+    int fieldAt(int position, const QString& name) const {
+        if (position < 0 || position >= int(fields_.size())) return -1;
+        const FieldPos& fp = fields_[size_t(position)];
+        return fp.type == 'C' && fp.name.compare(name, Qt::CaseInsensitive) == 0 ? position : -1;
     }
     // Raw bytes of a character field, trailing blanks and NULs dropped; null when out of the file.
     QByteArray bytes(int record, int field) const {
@@ -314,7 +316,7 @@ GeoDatasetPtr GeoDataset::open(const QString& shpPath)
         f.width = fd->GetWidth();
         f.precision = fd->GetPrecision();
         d->fields_.push_back(f);
-        dbfField.push_back(f.type == moString && haveDbf ? dbfText.fieldFor(f.name) : -1);
+        dbfField.push_back(f.type == moString && haveDbf ? dbfText.fieldAt(i, f.name) : -1);
     }
     const size_t nf = d->fields_.size();
 
@@ -482,17 +484,28 @@ void GeoDataset::stopEditing()
             throw MapError("cannot write projection file");
     }
     // Replace the old set as a whole: no file of it may stay beside the new one.
-    const QStringList old = dir.entryList(QDir::Files);
+    // Everything is checked before anything is touched, so a set that cannot
+    // be put in place leaves the directory as it was.
     static const QStringList setExts = {"shp", "shx", "dbf", "prj", "cpg", "qix", "sbn", "sbx", "qmd", "xml"};
-    for (const QString& f : old) {
-        QFileInfo fi(f);
-        if (fi.completeBaseName().compare(w.base, Qt::CaseInsensitive) == 0 &&
-            setExts.contains(fi.suffix().toLower()) && !dir.remove(f))
-            throw MapError("cannot replace the existing shapefile");
+    QStringList oldFiles;
+    for (const QString& f : dir.entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System)) {
+        QFileInfo fi(dir.filePath(f));
+        if (fi.completeBaseName().compare(w.base, Qt::CaseInsensitive) != 0 || !setExts.contains(fi.suffix().toLower()))
+            continue;
+        if (!fi.isFile()) throw MapError("the name of the shapefile is taken");
+        oldFiles << f;
     }
+    if (!QFileInfo(w.dir).isWritable()) throw MapError("the directory cannot be written");
+    for (const QString& f : oldFiles)
+        if (!dir.remove(f)) throw MapError("cannot replace the existing shapefile");
+    QStringList placed;
     for (const QString& f : w.tmpFiles()) {
-        const QString ext = QFileInfo(f).suffix().toLower();
-        if (!dir.rename(f, w.base + "." + ext)) throw MapError("cannot put the shapefile in place");
+        const QString dest = w.base + "." + QFileInfo(f).suffix().toLower();
+        if (!dir.rename(f, dest)) {
+            for (const QString& p : placed) dir.remove(p);
+            throw MapError("cannot put the shapefile in place");
+        }
+        placed << dest;
     }
     w.committed = true;
     writer_.reset();
