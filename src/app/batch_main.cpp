@@ -158,6 +158,12 @@ QString csvField(const QString& s)
     return "\"" + q + "\"";
 }
 
+// Qt's own chatter (platform plugin notes) is no part of the tool's output.
+void quietQtMessages(QtMsgType type, const QMessageLogContext&, const QString& text)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg) err(text);
+}
+
 QString secondsText(qint64 ns) { return QString::number(double(ns) / 1e9, 'f', 3); }
 
 int comboIndexOf(const ComboBox* combo, const QString& text)
@@ -265,6 +271,7 @@ QString pickedFile(const QDir& dir)
 int main(int argc, char** argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    qInstallMessageHandler(quietQtMessages);
     QApplication app(argc, argv);
 
     Options o;

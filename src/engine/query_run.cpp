@@ -129,6 +129,7 @@ void draw_query_results(Map* oMap)
     try {
         if (!cShapes) return;
         if (cShapes->Count() == 0 || bQueryRunning) return;
+        if (!cSymbols) throw MapError("no symbols");
         const int n = cShapes->Count();
         for (int i = 0; i < n; ++i) {
             const QString key = keyOf(i);
@@ -179,6 +180,7 @@ void YieldToEvents()
 
 void AppendResult(const ShapePtr& shape, Recordset& record, const QString& field)
 {
+    if (!cShapes || !cSymbols || !cFieldValues) throw MapError("result model not made");
     auto symbol = std::make_shared<Symbol>();
     symbol->Outline = false;
     cShapes->Add(shape, keyOf(cShapes->Count()));

@@ -19,6 +19,7 @@ void solar_x_kwhm2_or_better()
         RecordsetPtr records = layer->SearchExpression(expression);
         const int total = records ? records->CalculateStatistics("FeatureID")->Count : 0;
 
+        if (!cShapes || !cSymbols) throw MapError("result model not made");
         cFieldValues = std::make_shared<Collection<QVariant>>();
         sFieldName = sSolarField;
 
@@ -50,6 +51,7 @@ void best_solar_off_grid_systems()
         float smallest = 0.0f;
         bool first = true;
 
+        if (!cShapes || !cSymbols || !cGridDistances) throw MapError("result model not made");
         const LayersCollection& layers = frmMain().Map1->Layers();
         RecordsetPtr lineRecords = layers.Item(cLayerIndex->Item("44_transmissionline.shp"))->SearchExpression("FeatureID > -1");
         RecordsetPtr solarRecords = layers.Item(cLayerIndex->Item(sSolarLayerFile))->SearchExpression("FeatureID > -1");

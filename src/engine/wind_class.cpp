@@ -19,6 +19,7 @@ void wind_class_x_or_better()
         RecordsetPtr records = layer->SearchExpression(expression);
         const int total = records ? records->CalculateStatistics("FeatureID")->Count : 0;
 
+        if (!cShapes || !cSymbols) throw MapError("result model not made");
         cFieldValues = std::make_shared<Collection<QVariant>>();
         sFieldName = QStringLiteral("WINDPWRD");
 

@@ -158,6 +158,7 @@ std::optional<std::vector<QueryDataRow>> QueryDataTable()
         // Colour alone decides the row, in order of first occurrence.
         QVector<int> colors;
         QHash<int, double> areas;
+        if (!cShapes || !cSymbols) throw MapError("no result model");
         const int n = cShapes->Count();
         for (int i = 0; i < n; ++i) {
             const QString key = QString::number(i);

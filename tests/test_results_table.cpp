@@ -1,0 +1,266 @@
+// The Results Table window: one row per colour of the result in order of
+// first occurrence, areas in sq km, the class sentences of wind and solar,
+// the 14-row limit, and rows that are only ever filled.
+#include <QCoreApplication>
+#include <QEvent>
+
+#include "mapping/controls.h"
+#include "mapping/symbol.h"
+#include "query_fixture.h"
+#include "results/frmShowQueryData.h"
+
+using namespace qf;
+
+namespace {
+
+const QString kWindQuery = QStringLiteral("Wind by Power Density");
+const QString kSolarQuery = QStringLiteral("Best Solar X kWh/m2/day");
+const QString kGlobal10 = QStringLiteral("10 km Solar Global Horizontal Annual Average(KWH/M2/DAY)");
+
+void activate(FrmShowQueryData& form)
+{
+    QEvent e(QEvent::WindowActivate);
+    QCoreApplication::sendEvent(&form, &e);
+}
+
+// Wind cells of different sizes, so that the sums per colour are told apart:
+// 1 km2 for 200, 2 km2 for 250, 4 km2 for 800, 1234.5 km2 for 1000 (a long strip).
+std::string windAreas(const std::string& name)
+{
+    const std::string dir = testsupport::tempDir(name);
+    writePolygons(dir, "20_wind.shp", "WINDPWRD",
+                  {{rect(0, 0, 1000, 1000), 200},
+                   {rect(0, 5000, 2000, 1000), 250},
+                   {rect(0, 10000, 2000, 2000), 800},
+                   {rect(0, 20000, 1234500, 1000), 1000},
+                   {rect(0, 30000, 1000, 1000), 150}});
+    writeCity(dir);
+    return dir;
+}
+
+FrmMain& windRun(const std::string& name, const QString& min = "200")
+{
+    FrmMain& f = freshMain();
+    load(f, windAreas(name));
+    selectQuery(f, kWindQuery);
+    setRange(f, min, "Max");
+    f.cmdUpdateMap->click();
+    return f;
+}
+
+}  // namespace
+
+TEST(ResultsTable, LayoutAsDesigned)
+{
+    freshMain();
+    FrmShowQueryData& form = frmShowQueryData();
+    EXPECT_EQ(form.windowTitle(), "Query Results");
+    EXPECT_EQ(form.parentWidget(), &frmMain());
+    EXPECT_FALSE(form.isModal());
+    for (int i : {0, 13}) {
+        const TwipsRect s = Twips(form.shpLayerColor[i]);
+        const TwipsRect a = Twips(form.lblArea[i]);
+        const TwipsRect d = Twips(form.lblDescription[i]);
+        EXPECT_EQ(s.Left, 120);
+        EXPECT_EQ(s.Top, 120 + 360 * i);
+        EXPECT_EQ(a.Left, 480);
+        EXPECT_EQ(a.Top, 150 + 360 * i);
+        EXPECT_EQ(d.Left, 2280);
+        EXPECT_EQ(d.Top, 150 + 360 * i);
+        EXPECT_FALSE(Visible(form.shpLayerColor[i]));
+        EXPECT_EQ(form.shpLayerColor[i]->FillColor(), 255);
+        EXPECT_EQ(form.lblArea[i]->text(), "lblArea");
+        EXPECT_EQ(form.lblDescription[i]->text(), "lblDescription");
+    }
+    EXPECT_EQ(Twips(form.shpLayerColor[13]).Top, 4800);
+    EXPECT_EQ(Twips(form.lblArea[13]).Top, 4830);
+}
+
+TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrence)
+{
+    FrmMain& f = windRun("table-wind");
+    ASSERT_TRUE(Visible(f.cmdShowData));
+    f.cmdShowData->click();
+    QCoreApplication::processEvents();
+    FrmShowQueryData& form = frmShowQueryData();
+    EXPECT_TRUE(form.isVisible());
+    EXPECT_TRUE(Visible(form.shpLayerColor[0])) << "shown and activated by the press";
+
+    // 200 and 250 share a colour; 800 and 1000 share the top class.
+    const int rows[][1] = {{RGB(222, 184, 135)}, {RGB(0, 0, 255)}};
+    EXPECT_EQ(form.shpLayerColor[0]->FillColor(), rows[0][0]);
+    EXPECT_EQ(form.lblArea[0]->text(), "3.00 sq km");
+    EXPECT_EQ(form.lblDescription[0]->text(), "Wind Power Density >= 200 and < 300");
+    EXPECT_EQ(form.shpLayerColor[1]->FillColor(), rows[1][0]);
+    EXPECT_EQ(form.lblArea[1]->text(), "1,238.50 sq km");
+    EXPECT_EQ(form.lblDescription[1]->text(), "Wind Power Density >= 800");
+    for (int i : {0, 1}) {
+        EXPECT_TRUE(Visible(form.shpLayerColor[i]));
+        EXPECT_TRUE(Visible(form.lblArea[i]));
+        EXPECT_TRUE(Visible(form.lblDescription[i]));
+        EXPECT_EQ(form.shpLayerColor[i]->BorderWidth(), 1);  // wind keeps the designed border
+    }
+    EXPECT_FALSE(Visible(form.shpLayerColor[2]));
+
+    // Activated again with the same result, the areas do not add up.
+    activate(form);
+    EXPECT_EQ(form.lblArea[1]->text(), "1,238.50 sq km");
+    EXPECT_TRUE(testsupport::recorder().boxes.empty()) << testsupport::recorder().texts().join("|").toStdString();
+
+    // The same rows as data, with the area at full precision.
+    const auto table = QueryDataTable();
+    ASSERT_TRUE(table);
+    ASSERT_EQ(table->size(), 2u);
+    EXPECT_NEAR((*table)[1].area, 1238.5, 1e-9);
+    EXPECT_EQ((*table)[1].description, "Wind Power Density >= 800");
+}
+
+TEST(ResultsTable, WindSentencesForEveryClassAndTheGrayFallback)
+{
+    FrmMain& f = windRun("table-sentences", "0");
+    (void)f;
+    struct Row { int color; const char* sentence; };
+    const Row rows[] = {
+        {RGB(230, 230, 230), "Wind Power Density < 200"},  // the result gray is not the renderer's white
+        {RGB(255, 255, 255), "Wind Power Density < 200"},
+        {RGB(222, 184, 135), "Wind Power Density >= 200 and < 300"},
+        {RGB(254, 172, 0), "Wind Power Density >= 300 and < 400"},
+        {RGB(255, 0, 0), "Wind Power Density >= 600 and < 800"},
+        {RGB(0, 0, 255), "Wind Power Density >= 800"},
+        {RGB(1, 2, 3), "Wind Power Density < 200"},
+    };
+    for (const Row& r : rows) EXPECT_EQ(CreateAreaDescription(r.color), r.sentence) << r.sentence;
+    EXPECT_TRUE(testsupport::recorder().boxes.empty());
+
+    // Queries without a class sentence.
+    f.cboSelectQuery->Clear();
+    f.cboSelectQuery->AddItem("Best solar off-grid systems");
+    f.cboSelectQuery->setCurrentIndex(0);
+    EXPECT_EQ(CreateAreaDescription(RGB(0, 0, 255)), "");
+    f.cboSelectQuery->setItemText(0, "No Query (Base Map)");
+    EXPECT_EQ(CreateAreaDescription(RGB(0, 0, 255)), "");
+    EXPECT_TRUE(testsupport::recorder().boxes.empty());
+}
+
+TEST(ResultsTable, SolarRowsHaveOneDecimalNoAndAndAThickBorder)
+{
+    FrmMain& f = freshMain();
+    const std::string dir = testsupport::tempDir("table-solar");
+    writePolygons(dir, "14_solar_glo.shp", "ANNGLO", windRow({1.0, 5.2, 9.5, 5.4}));
+    writeCity(dir);
+    load(f, dir);
+    selectQuery(f, kSolarQuery);
+    selectResource(f, kGlobal10);
+    setRange(f, "0", "10");
+    f.cmdUpdateMap->click();
+    ASSERT_EQ(cShapes->Count(), 4);
+
+    FrmShowQueryData& form = frmShowQueryData();
+    activate(form);
+    EXPECT_EQ(form.lblDescription[0]->text(), "Solar Resource < 2.0");
+    EXPECT_EQ(form.lblDescription[1]->text(), "Solar Resource >= 5.0 < 5.5");
+    EXPECT_EQ(form.lblDescription[2]->text(), "Solar Resource >= 9.0");
+    EXPECT_EQ(form.lblArea[1]->text(), "2.00 sq km");
+    EXPECT_FALSE(Visible(form.shpLayerColor[3]));
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(form.shpLayerColor[i]->BorderWidth(), 2);
+    // A colour the renderer does not know stays blank for solar.
+    EXPECT_EQ(CreateAreaDescription(RGB(1, 2, 3)), "");
+    EXPECT_TRUE(testsupport::recorder().boxes.empty()) << testsupport::recorder().texts().join("|").toStdString();
+}
+
+TEST(ResultsTable, MoreThanFourteenColoursWarnAtEachActivationAndShowTheFirstFourteen)
+{
+    FrmMain& f = freshMain();
+    const std::string dir = testsupport::tempDir("table-sixteen");
+    // All sixteen solar classes, the top one first.
+    writePolygons(dir, "14_solar_glo.shp", "ANNGLO",
+                  windRow({9.5, 1.0, 2.2, 2.7, 3.2, 3.7, 4.2, 4.7, 5.2, 5.7, 6.2, 6.7, 7.2, 7.7, 8.2, 8.7}));
+    writeCity(dir);
+    load(f, dir);
+    selectQuery(f, kSolarQuery);
+    selectResource(f, kGlobal10);
+    setRange(f, "0", "10");
+    f.cmdUpdateMap->click();
+    ASSERT_EQ(cShapes->Count(), 16);
+    testsupport::recorder().clear();
+
+    FrmShowQueryData& form = frmShowQueryData();
+    activate(form);
+    EXPECT_EQ(testsupport::recorder().texts(), QStringList({"Form will not be able to show all values"}));
+    EXPECT_EQ(form.shpLayerColor[0]->FillColor(), RGB(71, 0, 0));
+    EXPECT_EQ(form.shpLayerColor[13]->FillColor(), RGB(207, 0, 0));  // 7.7, the fourteenth
+    EXPECT_TRUE(Visible(form.lblDescription[13]));
+    activate(form);
+    EXPECT_EQ(testsupport::recorder().boxes.size(), 2u);
+    const auto table = QueryDataTable();
+    ASSERT_TRUE(table);
+    EXPECT_EQ(table->size(), 14u);
+}
+
+TEST(ResultsTable, RowsAreOnlyFilledUntilTheWindowCloses)
+{
+    FrmMain& f = windRun("table-stale");
+    FrmShowQueryData& form = frmShowQueryData();
+    form.show();
+    activate(form);
+    ASSERT_TRUE(Visible(form.lblArea[1]));
+
+    // A later result of one colour rewrites row 0 only.
+    setRange(f, "800", "Max");
+    f.cmdUpdateMap->click();
+    activate(form);
+    EXPECT_EQ(form.shpLayerColor[0]->FillColor(), RGB(0, 0, 255));
+    EXPECT_EQ(form.lblArea[0]->text(), "1,238.50 sq km");
+    EXPECT_TRUE(Visible(form.lblArea[1]));
+    EXPECT_EQ(form.lblArea[1]->text(), "1,238.50 sq km");
+
+    // An empty result changes no row and says nothing.
+    setRange(f, "5000", "Max");
+    f.cmdUpdateMap->click();
+    activate(form);
+    EXPECT_EQ(form.lblArea[0]->text(), "1,238.50 sq km");
+    EXPECT_TRUE(testsupport::recorder().boxes.empty());
+
+    // Closing hides every row; the next window starts clean.
+    form.close();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(frmShowQueryDataExists());
+    FrmShowQueryData& again = frmShowQueryData();
+    EXPECT_FALSE(Visible(again.lblArea[0]));
+}
+
+TEST(ResultsTable, FailuresReportTheirOwnTexts)
+{
+    FrmMain& f = windRun("table-failures");
+    FrmShowQueryData& form = frmShowQueryData();
+
+    // No wind layer under its key: the sentence is empty, the row is still filled.
+    auto index = cLayerIndex;
+    cLayerIndex = std::make_shared<Collection<int>>();
+    testsupport::recorder().clear();
+    activate(form);
+    EXPECT_EQ(testsupport::recorder().texts(),
+              QStringList({" Error Source:md_query_functions2.CreateAreaDescription()",
+                           " Error Source:md_query_functions2.CreateAreaDescription()"}));
+    EXPECT_EQ(form.lblDescription[0]->text(), "");
+    EXPECT_TRUE(Visible(form.lblArea[0]));
+    cLayerIndex = index;
+
+    // No result model at all.
+    cShapes.reset();
+    testsupport::recorder().clear();
+    activate(form);
+    EXPECT_EQ(testsupport::recorder().texts(), QStringList({" Error Source:md_query_functions2.UpdateQueryDataForm()"}));
+    EXPECT_FALSE(QueryDataTable());
+    (void)f;
+}
+
+TEST(ResultsTable, ClosingTheMainWindowDropsTheTable)
+{
+    freshMain();
+    FrmShowQueryData& form = frmShowQueryData();
+    form.show();
+    unloadFrmMain();
+    EXPECT_FALSE(frmShowQueryDataExists());
+    EXPECT_TRUE(testsupport::recorder().boxes.empty()) << testsupport::recorder().texts().join("|").toStdString();
+}
