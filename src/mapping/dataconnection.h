@@ -1,6 +1,13 @@
 #pragma once
+#include <QDateTime>
 #include <QString>
+#include <atomic>
+#include <future>
+#include <map>
 #include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 #include "mapping/geodataset.h"
 #include "mapping/recordset.h"
@@ -8,6 +15,11 @@
 // A directory of shapefiles.
 class DataConnection {
 public:
+    DataConnection() = default;
+    ~DataConnection();
+    DataConnection(const DataConnection&) = delete;
+    DataConnection& operator=(const DataConnection&) = delete;
+
     QString Database;  // the directory, ending with a separator
     // False when the directory does not exist or cannot be read; ConnectError says why.
     bool Connect();
@@ -21,6 +33,21 @@ public:
                                 const CoordinateSystemPtr& srs = nullptr);
 
 private:
+    // A connected directory's shapefiles are read ahead on worker threads, in
+    // name order, so that the layers asked for one after another are mostly
+    // in memory already. A file changed since it was read is read again.
+    struct Loaded {
+        std::shared_future<GeoDatasetPtr> data;
+        QDateTime modified;
+        qint64 size = 0;
+    };
+    void startReadingAhead();
+    void stopReadingAhead();
+
     bool connected_ = false;
+    std::mutex mutex_;
+    std::map<QString, Loaded> loaded_;  // by file name
+    std::vector<std::thread> workers_;
+    std::atomic<bool> stop_{false};
 };
 using DataConnectionPtr = std::shared_ptr<DataConnection>;
