@@ -245,14 +245,6 @@ TEST_F(QuerySet, LayerTagsMatchWithoutCaseOrOuterBlanks)
     add("43_roads.shp");
     EXPECT_TRUE(isLayerExist("20_wind.shp", message));
     EXPECT_EQ(message, "");
-
-    // The wind layer is found, but not under the exact key: the statistics cannot
-    // be read, the box says so, and the query still counts as possible.
-    recorder().clear();
-    EXPECT_TRUE(isQueryPossible("Wind by Power Density", message));
-    EXPECT_EQ(recorder().texts(),
-              QStringList{"Cannot perform the Query. Please check the Wind Energy shapefile.This can happen if there is "
-                          "no WINDPWRD field in the shape file."});
 }
 
 TEST_F(QuerySet, FirstRealQuerySwitchesToTheEditPanelOnce)
@@ -567,18 +559,6 @@ TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFile)
     recorder().clear();
     f->cboQueryDropDown3->setListIndex(5);
     EXPECT_TRUE(recorder().boxes.empty());
-}
-
-TEST_F(QuerySet, SkipFlagSilencesOneClickOnly)
-{
-    loadDataset("skip", {{"20_wind.shp"}});
-    f->cboQueryDropDown3->AddItem("40 km Solar PV Annual Average(KWH/M2/DAY)");
-    bSkipDropDown3Click = true;
-    f->cboQueryDropDown3->setListIndex(0);
-    EXPECT_TRUE(recorder().boxes.empty());
-    EXPECT_FALSE(bSkipDropDown3Click);
-    f->cboQueryDropDown3->setListIndex(0);
-    EXPECT_EQ(recorder().texts(), QStringList{"This query requires 12_solar_tilt.shp shapefile."});
 }
 
 // --- wind maximum ------------------------------------------------------------
