@@ -35,7 +35,7 @@ bool g_unloading = false;
 QString g_appHelpFile;
 const QString kHelpFileName = QStringLiteral("Dovrik_ONLINE_DOC.chm");
 
-const QString kDataSourceSite = QStringLiteral("https://data.kelvora.example/sources");
+const QString kDataSourceSite = QStringLiteral("www.kelvora.example");
 
 QLabel* makeLabel(QWidget* parent, const QString& text, int l, int t, int w, int h, bool bold = false)
 {
@@ -80,6 +80,7 @@ QRadioButton* makeDarkOption(QWidget* parent, const QString& text, int l, int t,
     SetTwips(o, l, t, w, h);
     QPalette p = o->palette();
     p.setColor(QPalette::Window, Qt::black);
+    p.setColor(QPalette::Button, Qt::black);
     p.setColor(QPalette::WindowText, Qt::white);
     p.setColor(QPalette::ButtonText, Qt::white);
     p.setColor(QPalette::Text, Qt::white);
@@ -159,6 +160,11 @@ void FrmMain::buildControls()
                                + kDataSourceSite + QStringLiteral("."),
                            120, 7380, 7815, 285);
     SetForeColor(lblMapNote, RGB(255, 255, 255));
+    {
+        QFont f = lblMapNote->font();
+        f.setPointSizeF(7.5);
+        lblMapNote->setFont(f);
+    }
 
     // --- the left side: the start-up picture, later the edit/legend panels ---
     fraStartUpImage = makeFrame(client, 120, 1080, 3495, 6495);
