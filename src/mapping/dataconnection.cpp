@@ -30,7 +30,6 @@ bool DataConnection::Connect()
     }
     ConnectError = 0;
     connected_ = true;
-    startReadingAhead();
     return true;
 }
 
@@ -76,6 +75,7 @@ void DataConnection::startReadingAhead()
 
 void DataConnection::stopReadingAhead()
 {
+    readingAhead_ = false;
     stop_ = true;
     for (auto& w : workers_)
         if (w.joinable()) w.join();
@@ -90,6 +90,10 @@ GeoDatasetPtr DataConnection::FindGeoDataset(const QString& fileName)
     QString name = fileName;
     if (!name.endsWith(".shp", Qt::CaseInsensitive)) name += ".shp";
     const QString path = QDir(Database).filePath(name);
+    if (!readingAhead_) {
+        readingAhead_ = true;  // only a connection that reads layers reads ahead; a save does not
+        startReadingAhead();
+    }
     std::shared_future<GeoDatasetPtr> ahead;
     {
         std::lock_guard<std::mutex> lock(mutex_);

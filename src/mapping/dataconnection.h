@@ -45,6 +45,7 @@ private:
     void stopReadingAhead();
 
     bool connected_ = false;
+    bool readingAhead_ = false;
     std::mutex mutex_;
     std::map<QString, Loaded> loaded_;  // by file name
     std::vector<std::thread> workers_;
