@@ -36,7 +36,7 @@ std::string square(int i)
     return "POLYGON((" + x0 + " 0," + x0 + " 800," + x1 + " 800," + x1 + " 0," + x0 + " 0))";
 }
 
-struct DataSpec {
+struct Content {
     std::set<std::string> files = kAllQueryFiles;
     std::vector<double> wind = {150, 250, 450, 650, 950};
     std::string windField = "WINDPWRD";
@@ -51,18 +51,18 @@ const char* solarField(const std::string& file)
 }
 
 // A directory of tiny hand-made files, loaded as the user would open it.
-QString loadDataset(const std::string& name, const DataSpec& spec = {})
+QString loadDataset(const std::string& name, const Content& content = {})
 {
     using datagen::GeomKind;
     const std::string dir = testsupport::tempDir(name);
-    for (const std::string& file : spec.files) {
+    for (const std::string& file : content.files) {
         const std::string path = dir + "/" + file;
         std::vector<datagen::FeatureSpec> features;
         if (file == "20_wind.shp") {
-            for (size_t i = 0; i < spec.wind.size(); ++i) features.push_back({square(int(i)), {spec.wind[i]}});
-            datagen::writeShapefile(path, GeomKind::Polygon, {{spec.windField, 'N', 12, 3}}, features);
+            for (size_t i = 0; i < content.wind.size(); ++i) features.push_back({square(int(i)), {content.wind[i]}});
+            datagen::writeShapefile(path, GeomKind::Polygon, {{content.windField, 'N', 12, 3}}, features);
         } else if (file == "02_landuse.shp") {
-            for (size_t i = 0; i < spec.landUse.size(); ++i) features.push_back({square(int(i)), {spec.landUse[i]}});
+            for (size_t i = 0; i < content.landUse.size(); ++i) features.push_back({square(int(i)), {content.landUse[i]}});
             datagen::writeShapefile(path, GeomKind::Polygon, {{"LAND_USE", 'C', 40}}, features);
         } else if (file.find("_solar_") != std::string::npos) {
             features = {{square(0), {3.2}}, {square(1), {5.6}}};
@@ -193,9 +193,9 @@ TEST_F(QuerySet, RequiredFilesAndTheirMessages)
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.query) + " / case " + std::to_string(n));
         freshMain();
-        DataSpec spec;
-        for (const std::string& o : c.omit) spec.files.erase(o);
-        loadDataset("avail-" + std::to_string(n++), spec);
+        Content content;
+        for (const std::string& o : c.omit) content.files.erase(o);
+        loadDataset("avail-" + std::to_string(n++), content);
         QString message = "before";
         EXPECT_EQ(isQueryPossible(c.query, message), c.possible);
         EXPECT_EQ(message, c.message);
@@ -205,9 +205,9 @@ TEST_F(QuerySet, RequiredFilesAndTheirMessages)
 
 TEST_F(QuerySet, RefusedSelectionShowsTheMessageAndKeepsThePanel)
 {
-    DataSpec spec;
-    spec.files.erase("43_roads.shp");
-    loadDataset("refused", spec);
+    Content content;
+    content.files.erase("43_roads.shp");
+    loadDataset("refused", content);
     pick(*f, "Wind by Power Density");
     ASSERT_EQ(f->fraEditQueryParameters->title(), "Wind by Power Density");
     f->lblWorking->setText("Working text");
@@ -475,9 +475,9 @@ TEST_F(QuerySet, ValueSourceFailures)
     recorder().clear();
 
     // A land-use layer with one value in every record lists it once.
-    DataSpec spec;
-    spec.landUse = {"GRASSLAND", "GRASSLAND", "GRASSLAND"};
-    loadDataset("one-landuse", spec);
+    Content content;
+    content.landUse = {"GRASSLAND", "GRASSLAND", "GRASSLAND"};
+    loadDataset("one-landuse", content);
     FillLandUseDropDown();
     EXPECT_EQ(items(f->lstQuery1), QStringList{"GRASSLAND"});
     EXPECT_TRUE(recorder().boxes.empty());
@@ -485,9 +485,9 @@ TEST_F(QuerySet, ValueSourceFailures)
 
 TEST_F(QuerySet, SolarResourceLayerFoundByExactDisplayName)
 {
-    DataSpec spec;
-    spec.files = {"11_solar_direct.shp", "17_solar_direct.shp", "16_solar_tilt.shp"};
-    loadDataset("solar-ids", spec);
+    Content content;
+    content.files = {"11_solar_direct.shp", "17_solar_direct.shp", "16_solar_tilt.shp"};
+    loadDataset("solar-ids", content);
     const LayersCollection& layers = f->Map1->Layers();
     ASSERT_EQ(layers.Count(), 3);
     const QString conc = "40 km Solar Concentrators Annual Average(KWH/M2/DAY)";
@@ -502,9 +502,9 @@ TEST_F(QuerySet, SolarResourceLayerFoundByExactDisplayName)
 
 TEST_F(QuerySet, SolarPanelWithoutSolarFiles)
 {
-    DataSpec spec;
-    spec.files.erase("11_solar_direct.shp");
-    loadDataset("no-solar", spec);
+    Content content;
+    content.files.erase("11_solar_direct.shp");
+    loadDataset("no-solar", content);
     pick(*f, "Best Solar X kWh/m2/day");
     EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
     EXPECT_EQ(items(f->cboQueryDropDown3),
@@ -524,9 +524,9 @@ TEST_F(QuerySet, SolarPanelWithoutSolarFiles)
 
 TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFile)
 {
-    DataSpec spec;
-    spec.files = {"16_solar_tilt.shp"};
-    loadDataset("only-16", spec);
+    Content content;
+    content.files = {"16_solar_tilt.shp"};
+    loadDataset("only-16", content);
     // Breaks of the layer's own renderer decide, rounded to one decimal.
     auto r = std::dynamic_pointer_cast<ClassBreaksRenderer>(f->Map1->Layers().Item(0)->Renderer);
     ASSERT_TRUE(r);
@@ -581,9 +581,9 @@ TEST_F(QuerySet, WindMaximumWarning)
     for (const Case& c : cases) {
         SCOPED_TRACE(n);
         freshMain();
-        DataSpec spec;
-        spec.wind = c.wind;
-        loadDataset("windmax-" + std::to_string(n++), spec);
+        Content content;
+        content.wind = c.wind;
+        loadDataset("windmax-" + std::to_string(n++), content);
         pick(frmMain(), "Wind by Power Density");
         EXPECT_EQ(recorder().texts(), c.boxes);
         EXPECT_EQ(frmMain().fraEditQueryParameters->title(), "Wind by Power Density");  // never refused
@@ -600,9 +600,9 @@ TEST_F(QuerySet, WindMaximumWarning)
 
 TEST_F(QuerySet, WindLayerWithoutItsField)
 {
-    DataSpec spec;
-    spec.windField = "WINDPOWER";
-    loadDataset("no-windpwrd", spec);
+    Content content;
+    content.windField = "WINDPOWER";
+    loadDataset("no-windpwrd", content);
     const QString text = "Cannot perform the Query. Please check the Wind Energy shapefile.This can happen if there is no "
                          "WINDPWRD field in the shape file.";
     QString message;
