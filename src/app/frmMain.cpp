@@ -462,13 +462,16 @@ void unloadFrmMain()
     f->Form_Unload();
     g_frmMain = nullptr;
     g_unloading = false;
-    f->hide();
     // Inside the running program the call comes from one of the form's own
-    // events, so the form goes once that event is over.
-    if (QThread::currentThread()->loopLevel() > 0)
+    // events, so the form goes once that event is over; closing the last
+    // window also ends the program.
+    if (QThread::currentThread()->loopLevel() > 0) {
+        f->close();
         f->deleteLater();
-    else
+    } else {
+        f->hide();
         delete f;
+    }
 }
 
 // ---------------------------------------------------------------------------
