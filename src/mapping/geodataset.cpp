@@ -21,7 +21,12 @@ namespace {
 void registerDrivers()
 {
     static std::once_flag once;
-    std::call_once(once, [] { GDALAllRegister(); });
+    std::call_once(once, [] {
+        // Matching a projection file against the whole projection database
+        // costs up to half a second a file; the program only reads its text.
+        CPLSetConfigOption("USE_OSR_FIND_MATCHES", "NO");
+        GDALAllRegister();
+    });
 }
 
 // GDAL reports to stderr unless told otherwise; a file that cannot be read is
