@@ -11,9 +11,12 @@ namespace {
 
 constexpr double kEarthRadius = 6378137.0;  // metres, equatorial
 constexpr double kPi = 3.14159265358979323846;
-constexpr int kBarHeight = 6;
-constexpr int kBottomMargin = 3;
-constexpr int kLabelGap = 2;
+constexpr int kBarHeight = 5;
+// The bar's bottom edge stands at this fraction of the height, the labels
+// close above it: the print page shows the band just above the control's
+// lower fifth.
+constexpr double kBarBottom = 0.8;
+constexpr int kLabelGap = 1;
 constexpr int kUnitGap = 4;
 
 QString numberText(double v)
@@ -118,7 +121,7 @@ ScaleBar::Layout ScaleBar::layout() const
     const int unitWidth = labelMode_ == DivisionLabelsAndUnit ? kUnitGap + fm.horizontalAdvance(out.unitName) : 0;
     int x0 = (width() - barPx - unitWidth) / 2;
     x0 = std::max(x0, fm.horizontalAdvance(out.labels.front()) / 2 + 1);
-    const int barTop = height() - kBottomMargin - kBarHeight;
+    const int barTop = int(std::lround(kBarBottom * height())) - kBarHeight + 1;
     out.bar = QRect(x0, barTop, barPx, kBarHeight);
     for (int i = 0; i <= divisions_; ++i) out.ticks.push_back(x0 + int(std::lround(divisionPx * i)));
     out.valid = true;
@@ -146,14 +149,14 @@ void ScaleBar::paintEvent(QPaintEvent*)
     p.setFont(font_);
     p.setPen(outline);
     QFontMetrics fm(font_);
-    const int baseline = l.bar.top() - kLabelGap - fm.descent();
+    // Figures have no descenders: they sit right on the line above the bar.
+    const int baseline = l.bar.top() - kLabelGap;
     for (int i = 0; i <= divisions_; ++i) {
         const QString& t = l.labels[i];
         if (t.isEmpty()) continue;
         p.drawText(l.ticks[size_t(i)] - fm.horizontalAdvance(t) / 2, baseline, t);
     }
     if (labelMode_ == DivisionLabelsAndUnit) {
-        const int y = l.bar.top() + (l.bar.height() + fm.ascent() - fm.descent()) / 2;
-        p.drawText(l.bar.right() + 1 + kUnitGap, y, l.unitName);
+        p.drawText(l.bar.right() + 1 + kUnitGap, l.bar.bottom() + 1, l.unitName);
     }
 }

@@ -281,8 +281,9 @@ void FrmMain::mnuPrint_Click()
 {
     if (Map1->Layers().Count() < 1) return;
     FrmPrint& f = frmPrint();
+    // Chosen again while open: the window comes to the front as it stands.
+    if (f.isVisible()) f.raise();
     f.show();
-    f.raise();
     f.activateWindow();
 }
 
@@ -586,6 +587,10 @@ void FrmPrint::cmdPrint_Click()
 bool PrintPageToPdf(const QString& pdfPath, const QString& heading)
 {
     FrmPrint& f = frmPrint();
+    // The preview's drawing has used up the shared "drawn" flag. On a screen
+    // the main window repaints before anyone can press Print; here nothing
+    // would, and the page would miss the result the main map shows.
+    frmMain().Map1->Refresh();
     f.txtHeading->setText(heading);
     f.printTarget = [pdfPath] { return MakePdfTarget(pdfPath, 600); };
     f.cmdPrint_Click();

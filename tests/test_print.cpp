@@ -1,0 +1,712 @@
+// The print window and the printed page: the theme maps behind the legends,
+// the legend bitmaps, the scale bar set-up, the page's geometry at several
+// printer resolutions, its failure at 1200 dpi, and what a printed PDF shows.
+#include <QClipboard>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QProcess>
+
+#include "engine/query_run.h"
+#include "mainwindow_fixture.h"
+#include "mapping/legend.h"
+#include "mapping/map.h"
+#include "mapping/scalebar.h"
+#include "presentation/renderers.h"
+#include "print/frmPrint.h"
+
+using namespace fixture;
+using testsupport::recorder;
+
+namespace {
+
+const QString kSolarTitle = "ANNUAL AVERAGE SOLAR RESOURCES (KWH/M2/DAY)";
+const QString kPrintFailed = " Error in cmdPrint_Click function. Error Source:frmPrint. cmdPrint_Click()";
+const QString kScalebarFailed = " Error in setUpScalebar function. Error Source:frmPrint.setupScalebar()";
+const QString kFormLoadFailed = " Error in Form_Load function. Error Source:frmPrint.Form_Load()";
+
+// A generated dataset holding only the given standard files.
+QString datasetOnly(const std::set<std::string>& keep)
+{
+    std::set<std::string> omit;
+    for (const std::string& f : datagen::standardFiles())
+        if (!keep.count(f)) omit.insert(f);
+    return q(testsupport::dataset("small", 1, omit));
+}
+
+QString fileOf(const MapLayerPtr& layer)
+{
+    return layer->GeoDataset() ? QFileInfo(layer->GeoDataset()->path()).completeBaseName() + ".shp" : QString();
+}
+
+QStringList filesOf(const Map* map)
+{
+    QStringList out;
+    for (const MapLayerPtr& l : map->Layers()) out << fileOf(l);
+    return out;
+}
+
+QString programFile(const char* name) { return QDir(QCoreApplication::applicationDirPath()).filePath(name); }
+
+// Result shapes as a query leaves them, one per (wkt, symbol colour).
+void putResult(const std::vector<std::pair<std::string, int>>& shapes)
+{
+    cShapes = std::make_shared<Collection<ShapePtr>>();
+    cSymbols = std::make_shared<Collection<SymbolPtr>>();
+    for (const auto& [wkt, color] : shapes) {
+        auto symbol = std::make_shared<Symbol>();
+        symbol->Color = color;
+        symbol->Outline = false;
+        const QString key = QString::number(cShapes->Count());
+        cShapes->Add(shapeFromGeom(geomFromWkt(wkt.c_str())), key);
+        cSymbols->Add(symbol, key);
+    }
+}
+
+// The middle of the map's full extent, cut in a left and a right half.
+std::pair<std::string, std::string> middleHalves(Map* map)
+{
+    RectanglePtr e = map->FullExtent();
+    const double w = e->Width(), h = e->Height();
+    auto box = [](double l, double b, double r, double t) {
+        return QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))")
+            .arg(l, 0, 'f', 3).arg(b, 0, 'f', 3).arg(r, 0, 'f', 3).arg(t, 0, 'f', 3).toStdString();
+    };
+    const double l = e->Left + w / 4, m = e->Left + w / 2, r = e->Left + 3 * w / 4;
+    const double b = e->Bottom + h / 4, t = e->Bottom + 3 * h / 4;
+    return {box(l, b, m, t), box(m, b, r, t)};
+}
+
+int countColour(const QImage& im, const QRect& area, QColor c, int tolerance)
+{
+    int n = 0;
+    const QRect r = area.intersected(im.rect());
+    for (int y = r.top(); y <= r.bottom(); ++y)
+        for (int x = r.left(); x <= r.right(); ++x) {
+            const QColor p = im.pixelColor(x, y);
+            if (std::abs(p.red() - c.red()) <= tolerance && std::abs(p.green() - c.green()) <= tolerance &&
+                std::abs(p.blue() - c.blue()) <= tolerance)
+                ++n;
+        }
+    return n;
+}
+
+int countDark(const QImage& im, int below)
+{
+    int n = 0;
+    for (int y = 0; y < im.height(); ++y)
+        for (int x = 0; x < im.width(); ++x)
+            if (qGray(im.pixel(x, y)) < below) ++n;
+    return n;
+}
+
+class Print : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        UnloadFrmPrint();
+        main = &freshMain();
+    }
+    void TearDown() override
+    {
+        UnloadFrmPrint();
+        unloadFrmMain();
+    }
+
+    FrmPrint& openOn(const QString& dir)
+    {
+        loadDirectory(dir);
+        recorder().clear();
+        frmMain().mnuPrint_Click();
+        EXPECT_TRUE(frmPrintExists());
+        return frmPrint();
+    }
+
+    bool printTo(FrmPrint& f, const QString& path, int dpi)
+    {
+        f.printTarget = [path, dpi] { return MakePdfTarget(path, dpi); };
+        f.cmdPrint_Click();
+        return f.lastPrintSucceeded;
+    }
+
+    FrmMain* main = nullptr;
+};
+
+TEST_F(Print, MenuDoesNothingWithoutLayers)
+{
+    main->mnuPrint_Click();
+    EXPECT_FALSE(frmPrintExists());
+    EXPECT_TRUE(recorder().boxes.empty());
+}
+
+TEST_F(Print, WindowControlsStandWhereDesigned)
+{
+    FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
+    EXPECT_TRUE(f.isVisible());
+    EXPECT_EQ(f.windowTitle(), "Print Map");
+    EXPECT_EQ(f.size(), QSize(9060 / 15, 8655 / 15));
+    EXPECT_EQ(f.parentWidget(), nullptr);
+
+    struct Placed { const char* name; QWidget* w; TwipsRect at; bool shown; QString caption; };
+    const Placed table[] = {
+        {"lblHeading", f.lblHeading, {120, 120, 1095, 735}, true, "Enter Heading: (Limited to 50   characters.)"},
+        {"pictHeadingEmbed", f.pictHeadingEmbed, {1320, 120, 6375, 375}, true, ""},
+        {"Map2", f.Map2, {1440, 720, 4935, 2895}, true, ""},
+        {"Label1", f.Label1, {6600, 720, 2295, 975}, true,
+         "Note: The legend list shown below may not show all the layer information. But the printed map will "
+         "have legend for all layers.     "},
+        {"cmdPrint", f.cmdPrint, {6480, 1800, 1095, 495}, true, "Print"},
+        {"Command2", f.Command2, {7710, 1800, 1095, 495}, true, "Cancel"},
+        {"pictHeadFromClipboard", f.pictHeadFromClipboard, {120, 2160, 615, 375}, false, ""},
+        {"pictScalebarFromClipboard", f.pictScalebarFromClipboard, {120, 2520, 735, 255}, false, ""},
+        {"Map3", f.Map3, {7320, 2520, 1455, 1335}, false, ""},
+        {"Map4", f.Map4, {7320, 2520, 1455, 1335}, false, ""},
+        {"Map5", f.Map5, {7320, 2520, 1455, 1335}, false, ""},
+        {"Map6", f.Map6, {7320, 2520, 1455, 1335}, false, ""},
+        {"sbMapView", f.sbMapView, {1440, 3360, 4935, 735}, true, ""},
+        {"pictEmbedScalebar", f.pictEmbedScalebar, {1440, 3720, 4935, 375}, true, ""},
+        {"legend1", f.legend1, {240, 4200, 6015, 4335}, true, ""},
+        {"legend3", f.legend3, {240, 4200, 6015, 4335}, true, ""},
+        {"legend4", f.legend4, {240, 4200, 6015, 4335}, true, ""},
+        {"Picture1", f.Picture1, {240, 4200, 2415, 4335}, true, ""},
+        {"Picture4", f.Picture4, {2640, 4200, 2535, 4335}, true, ""},
+        {"Picture3", f.Picture3, {5160, 4200, 2655, 4335}, true, ""},
+    };
+    for (const Placed& p : table) {
+        SCOPED_TRACE(p.name);
+        ASSERT_NE(p.w, nullptr);
+        EXPECT_EQ(p.w->parentWidget(), &f);
+        const TwipsRect r = Twips(p.w);
+        EXPECT_EQ(r.Left, p.at.Left);
+        EXPECT_EQ(r.Top, p.at.Top);
+        EXPECT_EQ(r.Width, p.at.Width);
+        EXPECT_EQ(r.Height, p.at.Height);
+        EXPECT_EQ(Visible(p.w), p.shown);
+        if (auto* l = qobject_cast<QLabel*>(p.w)) EXPECT_EQ(l->text(), p.caption);
+        if (auto* b = qobject_cast<QPushButton*>(p.w)) EXPECT_EQ(b->text(), p.caption);
+    }
+
+    // The heading box sits inside its picture box, reaching out of it on the left.
+    EXPECT_EQ(f.txtHeading->parentWidget(), f.pictHeadingEmbed);
+    const QRect inClient = f.txtHeading->geometry().translated(-f.pictHeadingEmbed->contentsRect().topLeft());
+    EXPECT_EQ(inClient, QRect(-240 / 15, 0, 6600 / 15, 315 / 15));
+
+    // What the user sees over the picture boxes: the scale bar over its image
+    // area, the legend pictures over the legend controls.
+    auto seenAt = [&](QWidget* w) { return f.childAt(w->geometry().center()); };
+    EXPECT_EQ(seenAt(f.pictEmbedScalebar), f.sbMapView);
+    EXPECT_EQ(seenAt(f.legend1), f.Picture4);
+    EXPECT_EQ(seenAt(f.Picture1), f.Picture1);
+    EXPECT_EQ(seenAt(f.Picture3), f.Picture3);
+}
+
+TEST_F(Print, HeadingTakesAtMostFiftyTypedCharactersCentredInBold)
+{
+    FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
+    EXPECT_EQ(f.txtHeading->text(), "");
+    const QString typed = "Wind and solar sites of the northern plains 2024 ab";  // 51 characters
+    ASSERT_EQ(typed.size(), 51);
+    for (QChar c : typed) {
+        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
+        QCoreApplication::sendEvent(f.txtHeading, &press);
+    }
+    EXPECT_EQ(f.txtHeading->text(), typed.left(50));
+    EXPECT_TRUE(f.txtHeading->alignment() & Qt::AlignHCenter);
+    EXPECT_TRUE(f.txtHeading->font().bold());
+    EXPECT_EQ(f.txtHeading->font().family(), "MS Sans Serif");
+    EXPECT_DOUBLE_EQ(f.txtHeading->font().pointSizeF(), 8.25);
+}
+
+TEST_F(Print, ThemeMapsSplitTheMainMapsLayersAndFollowItsTopLayer)
+{
+    const QString dir = q(testsupport::dataset());
+    for (bool topVisible : {true, false}) {
+        SCOPED_TRACE(topVisible ? "top layer shown" : "top layer hidden");
+        UnloadFrmPrint();
+        main = &freshMain();
+        loadDirectory(dir);
+        Map* map1 = main->Map1;
+        ASSERT_EQ(map1->Layers().Count(), 28);
+        map1->Layers().Item(0)->Visible = topVisible;
+        map1->Layers().Item(5)->Visible = !topVisible;
+        map1->Layers().Item(27)->Visible = !topVisible;
+        recorder().clear();
+        main->mnuPrint_Click();
+        FrmPrint& f = frmPrint();
+        EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+
+        // The preview has the main map's layers in its order, built anew, each
+        // with its own visibility.
+        ASSERT_EQ(tags(f.Map2), tags(map1));
+        for (int i = 0; i < 28; ++i) {
+            EXPECT_NE(f.Map2->Layers().Item(i), map1->Layers().Item(i));
+            EXPECT_EQ(f.Map2->Layers().Item(i)->Visible, map1->Layers().Item(i)->Visible) << i;
+            EXPECT_EQ(f.Map2->Layers().Item(i)->Name, map1->Layers().Item(i)->Name) << i;
+        }
+
+        EXPECT_EQ(filesOf(f.Map3),
+                  QStringList({"59_cities.shp", "53_airports.shp", "52_facilities.shp", "51_powerplant.shp",
+                               "50_protectedarea.shp", "44_transmissionline.shp", "43_roads.shp", "42_railroad.shp",
+                               "40_rivers.shp", "39_countryboundary.shp", "38_subcountrybnd1.shp",
+                               "37_subcountrybnd2.shp", "36_subcountrybnd3.shp", "31_protectedarea.shp",
+                               "30_lakes.shp"}));
+        EXPECT_EQ(filesOf(f.Map5), QStringList({"02_landuse.shp", "01_elevation.shp"}));
+        // Of eight solar layers only the lowest of the main map comes in, under one title.
+        EXPECT_EQ(filesOf(f.Map6), QStringList({"20_wind.shp", "11_solar_direct.shp"}));
+        ASSERT_EQ(f.Map6->Layers().Count(), 2);
+        EXPECT_EQ(f.Map6->Layers().Item(1)->Name, kSolarTitle);
+        EXPECT_EQ(f.Map6->Layers().Item(0)->Name, "Wind Power Density (W/m2)");
+        EXPECT_EQ(f.Map4->Layers().Count(), 0);
+        EXPECT_TRUE(f.bSolarOrWindInLegend);
+
+        for (Map* m : {f.Map3, f.Map5, f.Map6})
+            for (const MapLayerPtr& l : m->Layers()) {
+                EXPECT_EQ(l->Visible, topVisible) << fileOf(l).toStdString();
+                EXPECT_TRUE(l->Tag.isEmpty());
+            }
+    }
+}
+
+TEST_F(Print, WithoutWindTheFirstSolarLayerMetFromBelowGoesToTheLegend)
+{
+    struct Case { const char* what; std::set<std::string> files; QStringList map6; bool flag; };
+    const Case cases[] = {
+        {"two solar layers, no wind", {"43_roads.shp", "14_solar_glo.shp", "16_solar_tilt.shp"},
+         {"14_solar_glo.shp"}, true},
+        {"neither solar nor wind", {"43_roads.shp", "21_wind.shp", "01_elevation.shp"}, {}, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        UnloadFrmPrint();
+        freshMain();
+        FrmPrint& f = openOn(datasetOnly(c.files));
+        EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+        EXPECT_EQ(filesOf(f.Map6), c.map6);
+        for (const MapLayerPtr& l : f.Map6->Layers()) EXPECT_EQ(l->Name, kSolarTitle);
+        EXPECT_EQ(f.bSolarOrWindInLegend, c.flag);
+        // A standard layer with no theme, such as 21_wind.shp, is in the preview only.
+        for (Map* m : {f.Map3, f.Map5, f.Map6}) EXPECT_FALSE(filesOf(m).contains("21_wind.shp"));
+        if (c.map6.isEmpty()) {
+            const QImage empty(programFile("LegendBmp4.bmp"));
+            ASSERT_FALSE(empty.isNull());
+            EXPECT_EQ(countColour(empty, empty.rect(), Qt::white, 0), empty.width() * empty.height());
+        }
+    }
+}
+
+TEST_F(Print, LegendBitmapsAreWrittenBesideTheProgramAndShownInThePictureBoxes)
+{
+    for (const char* f : {"LegendBmp1.bmp", "LegendBmp3.bmp", "LegendBmp4.bmp"}) QFile::remove(programFile(f));
+    FrmPrint& f = openOn(q(testsupport::dataset()));
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+    const std::pair<const char*, PictureBox*> pairs[] = {
+        {"LegendBmp1.bmp", f.Picture1}, {"LegendBmp3.bmp", f.Picture3}, {"LegendBmp4.bmp", f.Picture4}};
+    for (const auto& [file, box] : pairs) {
+        SCOPED_TRACE(file);
+        QImage onDisk(programFile(file));
+        ASSERT_FALSE(onDisk.isNull());
+        EXPECT_EQ(box->Picture().convertToFormat(QImage::Format_RGB32), onDisk.convertToFormat(QImage::Format_RGB32));
+        EXPECT_GT(countDark(onDisk, 128), 50) << "a legend with entries is not blank";
+    }
+    EXPECT_NE(f.Picture1->Picture(), f.Picture3->Picture());
+    EXPECT_NE(f.Picture3->Picture(), f.Picture4->Picture());
+
+    // The next opening overwrites them.
+    UnloadFrmPrint();
+    {
+        QFile spoilt(programFile("LegendBmp3.bmp"));
+        ASSERT_TRUE(spoilt.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        spoilt.write("not a bitmap");
+    }
+    frmMain().mnuPrint_Click();
+    EXPECT_FALSE(QImage(programFile("LegendBmp3.bmp")).isNull());
+    EXPECT_FALSE(frmPrint().Picture3->Picture().isNull());
+}
+
+TEST_F(Print, ALegendBitmapThatCannotBeWrittenEndsTheLoadWithItsMessage)
+{
+    const QString blocked = programFile("LegendBmp3.bmp");
+    QFile::remove(blocked);
+    ASSERT_TRUE(QDir().mkpath(blocked));  // a directory where the file should go
+    FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "02_landuse.shp"}));
+    QDir(blocked).removeRecursively();
+    EXPECT_EQ(recorder().texts(), QStringList({kFormLoadFailed}));
+    EXPECT_TRUE(QFileInfo(programFile("LegendBmp1.bmp")).isFile());
+    EXPECT_TRUE(f.Picture1->Picture().isNull()) << "the pictures are loaded after all three files are written";
+    EXPECT_TRUE(f.isVisible()) << "the window opens all the same";
+}
+
+TEST_F(Print, ScaleBarIsSetUpFromThePreviewAndTheTopLayersUnit)
+{
+    FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
+    EXPECT_TRUE(recorder().boxes.empty());
+    const ScaleBar& sb = *f.sbMapView;
+    RectanglePtr e = f.Map2->Extent();
+    EXPECT_DOUBLE_EQ(sb.MapExtent().Left, e->Left);
+    EXPECT_DOUBLE_EQ(sb.MapExtent().Top, e->Top);
+    EXPECT_DOUBLE_EQ(sb.MapExtent().Right, e->Right);
+    EXPECT_DOUBLE_EQ(sb.MapExtent().Bottom, e->Bottom);
+    EXPECT_DOUBLE_EQ(sb.ScreenExtent().Left, 96);
+    EXPECT_DOUBLE_EQ(sb.ScreenExtent().Top, 48);
+    EXPECT_DOUBLE_EQ(sb.ScreenExtent().Right, 425);
+    EXPECT_DOUBLE_EQ(sb.ScreenExtent().Bottom, 241);
+    EXPECT_TRUE(sb.ShowOutline());
+    EXPECT_EQ(sb.BackColor(), 0xFFFFFF);
+    EXPECT_EQ(sb.BarColor1(), 0x808080);
+    EXPECT_EQ(sb.BarColor2(), 0xFFC0C0);
+    EXPECT_EQ(sb.Divisions(), 3);
+    EXPECT_EQ(sb.BarFont().family(), "Arial Narrow");
+    EXPECT_DOUBLE_EQ(sb.BarFont().pointSizeF(), 8);
+    EXPECT_EQ(sb.MapUnits(), ScaleBar::Meters);
+    EXPECT_FLOAT_EQ(sb.BarWidthRatio(), 0.6f);
+    EXPECT_EQ(sb.LabelMode(), 3);
+    EXPECT_TRUE(sb.layout().valid);
+}
+
+TEST_F(Print, UnitCodeComesFromTheUpperCasedUnitName)
+{
+    const std::string geo = "GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\",6378137.0,"
+                            "298.257223563]],PRIMEM[\"Greenwich\",0.0],";
+    auto projected = [&](const std::string& unit, double metres) {
+        return "PROJCS[\"Local_TM\"," + geo + "UNIT[\"Degree\",0.0174532925199433]],"
+               "PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"False_Easting\",500000.0],"
+               "PARAMETER[\"False_Northing\",0.0],PARAMETER[\"Central_Meridian\",12.0],"
+               "PARAMETER[\"Scale_Factor\",0.9996],PARAMETER[\"Latitude_Of_Origin\",0.0],UNIT[\"" + unit + "\"," +
+               std::to_string(metres) + "]]";
+    };
+    struct Case { const char* what; std::string prj; int code; };
+    const Case cases[] = {
+        {"Degree", geo + "UNIT[\"Degree\",0.0174532925199433]]", ScaleBar::Degrees},
+        {"Feet", projected("Feet", 0.3048), ScaleBar::Feet},
+        {"feet", projected("feet", 0.3048), ScaleBar::Feet},
+        {"Foot_US", projected("Foot_US", 0.3048006096012192), ScaleBar::Meters},
+        {"Meter", projected("Meter", 1.0), ScaleBar::Meters},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        UnloadFrmPrint();
+        freshMain();
+        const QString dir = q(testsupport::tempDir(std::string("unit-") + c.what));
+        writeFeatures((QDir(dir).filePath("59_cities.shp")).toStdString(), 3, datagen::GeomKind::Point);
+        QFile prj(QDir(dir).filePath("59_cities.prj"));
+        ASSERT_TRUE(prj.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        prj.write(QByteArray::fromStdString(c.prj));
+        prj.close();
+        FrmPrint& f = openOn(dir);
+        EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+        EXPECT_EQ(f.sbMapView->MapUnits(), c.code);
+        EXPECT_EQ(f.sbMapView->LabelMode(), 3);
+    }
+}
+
+TEST_F(Print, TopLayerWithoutProjectionStopsTheScaleBarButNotTheLoad)
+{
+    const QString dir = q(testsupport::tempDir("noprj"));
+    writeFeatures(QDir(dir).filePath("59_cities.shp").toStdString(), 3, datagen::GeomKind::Point, false);
+    writeFeatures(QDir(dir).filePath("43_roads.shp").toStdString(), 3, datagen::GeomKind::Line, true);
+    FrmPrint& f = openOn(dir);
+    ASSERT_EQ(frmMain().Map1->Layers().Item(0)->Tag, "59_cities.shp");
+    EXPECT_EQ(recorder().texts(), QStringList({kScalebarFailed}));
+    const ScaleBar defaults;
+    EXPECT_EQ(f.sbMapView->Divisions(), 3) << "set before the unit is looked at";
+    EXPECT_EQ(f.sbMapView->BarColor2(), 0xFFC0C0);
+    EXPECT_FLOAT_EQ(f.sbMapView->BarWidthRatio(), defaults.BarWidthRatio());
+    EXPECT_EQ(f.sbMapView->LabelMode(), defaults.LabelMode());
+    EXPECT_FALSE(f.Picture1->Picture().isNull()) << "the legends are made after the failure";
+}
+
+TEST_F(Print, WithoutAFontTheScaleBarIsLeftAsItWas)
+{
+    FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
+    f.createFont = [] { return std::optional<QFont>(); };
+    f.sbMapView->setDivisions(7);
+    f.sbMapView->setMapExtent(0, 0, 0, 0);
+    recorder().clear();
+    f.setupScalebar();
+    ASSERT_EQ(recorder().boxes.size(), 1u);
+    EXPECT_EQ(recorder().boxes[0].text, "stdole.StdFont  is not installed. Scale bar will not be printed");
+    EXPECT_EQ(recorder().boxes[0].buttons, seam::Buttons::OK);
+    EXPECT_EQ(recorder().boxes[0].icon, seam::Icon::None);
+    EXPECT_EQ(f.sbMapView->Divisions(), 7);
+    EXPECT_NE(f.sbMapView->MapExtent().Right, 0) << "the extents come before the font";
+}
+
+// The preview and the main map share one "drawn" flag, and only the main
+// map's last draw event clears it.
+TEST_F(Print, PreviewShowsTheResultOnlyWhenTheMainMapRepaintedBetween)
+{
+    FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
+    const auto [left, right] = middleHalves(frmMain().Map1);
+    const int magenta = RGB(255, 0, 255);
+    putResult({{left, magenta}, {right, magenta}});
+    auto shows = [&] {
+        const QImage im = f.Map2->grab().toImage();
+        return countColour(im, im.rect(), QColor(255, 0, 255), 0) > 100;
+    };
+
+    bQueryDrawn = false;
+    f.Map2->Refresh();
+    EXPECT_TRUE(shows());
+    EXPECT_TRUE(bQueryDrawn);
+
+    f.Map2->Refresh();
+    EXPECT_FALSE(shows());
+
+    frmMain().Map1->Refresh();
+    EXPECT_FALSE(bQueryDrawn);
+    f.Map2->Refresh();
+    EXPECT_TRUE(shows());
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+}
+
+// The page is laid out in 1/600 inch; x is divided by a factor that keeps
+// its fraction, y by a whole one (halves to even).
+TEST_F(Print, PageGeometryAtSeveralResolutions)
+{
+    FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
+    struct Item { const char* name; double l, t, w, h; };
+    struct Case { int dpi; double scaleX; int scaleY; std::vector<Item> items; };
+    const Case cases[] = {
+        {600, 1.0, 1,
+         {{"OutputMap", 300, 350, 4000, 3700}, {"Line", 290, 600, 4000, 3150}, {"Heading", 550, 250, 3000, 150},
+          {"Scalebar", 300, 3800, 4000, 300}, {"Picture1", 500, 4000, 1000, 1689},
+          {"Picture4", 1500, 4000, 1000, 1689}, {"Picture3", 2500, 4000, 1000, 1689}}},
+        {300, 2.0, 2,
+         {{"OutputMap", 150, 175, 2000, 1850}, {"Line", 145, 300, 2000, 1575}, {"Heading", 275, 125, 1500, 75},
+          {"Scalebar", 150, 1900, 2000, 150}, {"Picture1", 250, 2000, 500, 844.5},
+          {"Picture4", 750, 2000, 500, 844.5}, {"Picture3", 1250, 2000, 500, 844.5}}},
+        // 2 twips to the dot: x stretched by 1.2, y as at 600 dpi.
+        {720, 2.0 / 2.4, 1,
+         {{"OutputMap", 360, 350, 4800, 3700}, {"Line", 348, 600, 4800, 3150}, {"Heading", 660, 250, 3600, 150},
+          {"Scalebar", 360, 3800, 4800, 300}, {"Picture1", 600, 4000, 1200, 1689},
+          {"Picture4", 1800, 4000, 1200, 1689}, {"Picture3", 3000, 4000, 1200, 1689}}},
+        // 3.6 twips to the dot: x factor 1.5, y factor 1.5 made 2.
+        {400, 1.5, 2,
+         {{"OutputMap", 200, 175, 2667, 1850}, {"Line", 290 / 1.5, 300, 4000 / 1.5, 1575},
+          {"Heading", 550 / 1.5, 125, 2000, 75}, {"Scalebar", 200, 1900, 4000 / 1.5, 150},
+          {"Picture1", 500 / 1.5, 2000, 1000 / 1.5, 844.5}, {"Picture4", 1000, 2000, 1000 / 1.5, 844.5},
+          {"Picture3", 2500 / 1.5, 2000, 1000 / 1.5, 844.5}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.dpi);
+        const QString pdf = QDir(q(testsupport::tempDir("geometry"))).filePath(QString("page%1.pdf").arg(c.dpi));
+        recorder().clear();
+        ASSERT_TRUE(printTo(f, pdf, c.dpi)) << recorder().texts().join("\n").toStdString();
+        EXPECT_TRUE(recorder().boxes.empty());
+        EXPECT_DOUBLE_EQ(f.scaleX, c.scaleX);
+        EXPECT_EQ(f.scaleY, c.scaleY);
+
+        ASSERT_EQ(f.lastPage.size(), c.items.size() + 2);
+        EXPECT_EQ(f.lastPage.front().name, "Print");
+        EXPECT_EQ(f.lastPage.back().name, "EndDoc");
+        for (size_t i = 0; i < c.items.size(); ++i) {
+            const Item& want = c.items[i];
+            const FrmPrint::PageItem& got = f.lastPage[i + 1];
+            SCOPED_TRACE(want.name);
+            EXPECT_EQ(got.name, want.name);
+            EXPECT_NEAR(got.rect.left(), want.l, 1e-3);
+            EXPECT_NEAR(got.rect.top(), want.t, 1e-3);
+            EXPECT_NEAR(got.rect.width(), want.w, 1e-3);
+            EXPECT_NEAR(got.rect.height(), want.h, 1e-3);
+        }
+        QFile file(pdf);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_TRUE(file.read(5).startsWith("%PDF"));
+    }
+}
+
+TEST_F(Print, At1200DotsPerInchAndFinerThePrintFailsAfterThePageWasOpened)
+{
+    FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
+    for (int dpi : {1200, 1440}) {
+        SCOPED_TRACE(dpi);
+        const QString pdf = QDir(q(testsupport::tempDir("fine"))).filePath("page.pdf");
+        recorder().clear();
+        EXPECT_FALSE(printTo(f, pdf, dpi));
+        EXPECT_EQ(f.scaleY, 0);
+        EXPECT_EQ(recorder().texts(), QStringList({kPrintFailed}));
+        ASSERT_EQ(f.lastPage.size(), 1u);
+        EXPECT_EQ(f.lastPage[0].name, "Print");
+        EXPECT_FALSE(QFileInfo::exists(pdf)) << "no page is sent";
+        // The pictures were taken before the failure.
+        EXPECT_FALSE(f.pictHeadFromClipboard->Picture().isNull());
+    }
+    // The window stays usable: the next print at 600 dpi goes through.
+    const QString pdf = QDir(q(testsupport::tempDir("fine-again"))).filePath("page.pdf");
+    EXPECT_TRUE(printTo(f, pdf, 600));
+}
+
+TEST_F(Print, HeadingAndScaleBarReachThePageAsPicturesThroughTheClipboard)
+{
+    FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    const QString dir = q(testsupport::tempDir("clipboard"));
+    for (const QString heading : {QString("Wind sites of the north"), QString()}) {
+        SCOPED_TRACE(heading.toStdString());
+        clipboard->setText("held before");
+        f.txtHeading->setText(heading);
+        ASSERT_TRUE(printTo(f, QDir(dir).filePath("page.pdf"), 600)) << "an empty heading prints too";
+
+        const QImage head = f.pictHeadFromClipboard->Picture();
+        EXPECT_EQ(head.size(), f.pictHeadingEmbed->contentsRect().size());
+        EXPECT_EQ(clipboard->image().convertToFormat(QImage::Format_RGB32), head.convertToFormat(QImage::Format_RGB32))
+            << "the clipboard keeps the heading";
+        EXPECT_TRUE(clipboard->text().isEmpty());
+        if (heading.isEmpty())
+            EXPECT_EQ(countDark(head, 60), 0);
+        else
+            EXPECT_GT(countDark(head, 60), 30);
+
+        // What the user sees over pictEmbedScalebar is the lower part of the bar.
+        const QImage bar = f.pictScalebarFromClipboard->Picture();
+        EXPECT_EQ(bar.size(), f.pictEmbedScalebar->contentsRect().size());
+        EXPECT_GT(countColour(bar, bar.rect(), QColor(128, 128, 128), 0), 20);
+        EXPECT_GT(countColour(bar, bar.rect(), QColor(192, 192, 255), 0), 20);
+    }
+}
+
+TEST_F(Print, WithoutAPrinterThePageGoesToAPdfInTheDocumentsFolder)
+{
+    const std::pair<QString, QString> names[] = {
+        {"", "map.pdf"},           {"   ", "map.pdf"},          {"Wind sites", "Wind sites.pdf"},
+        {"a/b:c?", "a_b_c_.pdf"},  {" Site 4...", "Site 4.pdf"}, {"<\"x|y\">*", "__x_y___.pdf"},
+    };
+    for (const auto& [heading, file] : names) EXPECT_EQ(PdfFileNameForHeading(heading), file) << heading.toStdString();
+
+    const QString home = q(testsupport::tempDir("home"));
+    const QByteArray oldHome = qgetenv("HOME"), oldConfig = qgetenv("XDG_CONFIG_HOME");
+    qputenv("HOME", home.toUtf8());
+    qputenv("XDG_CONFIG_HOME", (home + "/config").toUtf8());
+    FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
+    f.txtHeading->setText("Sites: north");
+    f.printTarget = [&f] { return MakeDefaultPrintTarget(f.txtHeading->text(), false); };
+    f.cmdPrint_Click();
+    qputenv("HOME", oldHome);
+    if (oldConfig.isNull()) qunsetenv("XDG_CONFIG_HOME"); else qputenv("XDG_CONFIG_HOME", oldConfig);
+
+    const QString expected = QDir(home).filePath("Documents/Sites_ north.pdf");
+    EXPECT_TRUE(f.lastPrintSucceeded);
+    EXPECT_TRUE(QFileInfo(expected).isFile());
+    ASSERT_EQ(recorder().boxes.size(), 1u);
+    EXPECT_EQ(recorder().boxes[0].text, "No printer is installed. The map was printed to the file " + expected);
+    EXPECT_EQ(recorder().boxes[0].buttons, seam::Buttons::OK);
+}
+
+TEST_F(Print, ConversionsRoundHalvesToEvenAndFailOutsideSixteenBits)
+{
+    const ScreenMetrics screen;
+    struct Twips { double twips; int axis; int16_t pixels; };
+    const Twips twips[] = {
+        {4335, 1, 289}, {4335, 0, 289}, {22.5, 0, 2}, {37.5, 1, 2}, {52.5, 0, 4}, {4335, 2, -1}, {4335, -1, -1},
+    };
+    for (const Twips& c : twips) EXPECT_EQ(ConvTwips2Pix(screen, c.twips, c.axis), c.pixels) << c.twips << "/" << c.axis;
+    EXPECT_TRUE(recorder().boxes.empty());
+
+    const QString twipsFailed = " Error in ConvTwips2Pix function. Error Source:frmPrint.ConvTwips2Pix()";
+    EXPECT_EQ(ConvTwips2Pix(screen, 1e6, 0), 0);
+    EXPECT_EQ(ConvTwips2Pix(ScreenMetrics{15, 0}, 100, 1), 0);
+    EXPECT_EQ(recorder().texts(), QStringList({twipsFailed, twipsFailed}));
+    recorder().clear();
+
+    FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
+    const QString pdf = QDir(q(testsupport::tempDir("conv"))).filePath("never.pdf");
+    struct Case { int dpi; double value; int axis; int16_t result; };
+    const Case toInch[] = {
+        {600, 600, 0, 1}, {600, 900, 1, 2}, {600, 1500, 0, 2}, {300, 300, 1, 1}, {600, 600, 3, -1},
+    };
+    for (const Case& c : toInch) {
+        f.printTarget = [pdf, dpi = c.dpi] { return MakePdfTarget(pdf, dpi); };
+        EXPECT_EQ(f.ConvPrinterPix2FrameInch(c.value, c.axis), c.result) << c.dpi << ": " << c.value;
+    }
+    const Case toPixels[] = {
+        {600, 1, 0, 600}, {300, 2.5, 1, 750}, {720, 1.5, 0, 1080}, {600, 1, 7, -1},
+    };
+    for (const Case& c : toPixels) {
+        f.printTarget = [pdf, dpi = c.dpi] { return MakePdfTarget(pdf, dpi); };
+        EXPECT_EQ(f.ConvFrameInch2PrinterPix(c.value, c.axis), c.result) << c.dpi << ": " << c.value;
+    }
+    EXPECT_TRUE(recorder().boxes.empty());
+    f.printTarget = [pdf] { return MakePdfTarget(pdf, 600); };
+    EXPECT_EQ(f.ConvFrameInch2PrinterPix(100, 0), 0);
+    EXPECT_EQ(f.ConvPrinterPix2FrameInch(1e8, 1), 0);
+    EXPECT_EQ(recorder().texts(),
+              QStringList({" Error in ConvFrameInch2PrinterPix function. Error Source:frmPrint.ConvFrameInch2PrinterPix()",
+                           " Error in ConvPrinterPix2FrameInch function. Error Source:frmPrint.ConvPrinterPix2FrameInch()"}));
+    EXPECT_FALSE(QFileInfo::exists(pdf));
+}
+
+TEST_F(Print, CancelUnloadsTheWindow)
+{
+    FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
+    QPointer<FrmPrint> form(&f);
+    f.Command2->click();
+    EXPECT_FALSE(frmPrintExists());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(form.isNull());
+    // Opening again builds everything anew.
+    frmMain().mnuPrint_Click();
+    EXPECT_TRUE(frmPrintExists());
+    EXPECT_EQ(frmPrint().Map2->Layers().Count(), 1);
+}
+
+// The whole page as a person sees it: the result in its class colours on the
+// map, the heading, the scale bar and three legend columns with content.
+TEST_F(Print, PrintedPdfShowsTheResultHeadingScaleBarAndLegends)
+{
+    loadDirectory(q(testsupport::dataset()));
+    Map* map1 = frmMain().Map1;
+    // Filled layers lie over the results: keep only outlines and lines.
+    for (const MapLayerPtr& l : map1->Layers())
+        l->Visible = l->Tag == "39_countryboundary.shp" || l->Tag == "43_roads.shp";
+    auto classed = [](double windPower) {
+        auto s = std::make_shared<Symbol>();
+        SetClassSymbolColor("WINDPWRD", windPower, s);
+        return s->Color;
+    };
+    const int lowClass = classed(250), highClass = classed(900);
+    ASSERT_NE(lowClass, highClass);
+    const auto [left, right] = middleHalves(map1);
+    putResult({{left, lowClass}, {right, highClass}});
+    recorder().clear();
+
+    const QString dir = q(testsupport::tempDir("picture"));
+    const QString pdf = QDir(dir).filePath("page.pdf");
+    // Only the visible layer 0 decides the theme layers' visibility; the
+    // legends are drawn whatever it is.
+    ASSERT_TRUE(PrintPageToPdf(pdf, "Best wind sites")) << recorder().texts().join("\n").toStdString();
+    EXPECT_FALSE(frmPrintExists());
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+
+    QProcess pdftoppm;
+    pdftoppm.start("pdftoppm", {"-r", "50", "-png", "-singlefile", pdf, QDir(dir).filePath("page")});
+    ASSERT_TRUE(pdftoppm.waitForFinished(120000));
+    ASSERT_EQ(pdftoppm.exitCode(), 0) << pdftoppm.readAllStandardError().toStdString();
+    const QImage page(QDir(dir).filePath("page.png"));
+    ASSERT_FALSE(page.isNull());
+
+    // 1/600 inch to pixels at 50 dpi: divide by 12.
+    auto at50 = [](double l, double t, double w, double h) {
+        return QRect(int(l / 12) + 1, int(t / 12) + 1, int(w / 12) - 2, int(h / 12) - 2);
+    };
+    const QRect mapArea = at50(300, 350, 4000, 3700);
+    auto colour = [](int c) { return QColor(RedOf(c), GreenOf(c), BlueOf(c)); };
+    EXPECT_GT(countColour(page, mapArea, colour(lowClass), 6), 200);
+    EXPECT_GT(countColour(page, mapArea, colour(highClass), 6), 200);
+    EXPECT_EQ(countColour(page, at50(0, 4200, 300, 1000), colour(lowClass), 6), 0) << "nothing left of the map";
+
+    auto inked = [&](QRect r) {
+        r = r.intersected(page.rect());
+        return r.width() * r.height() - countColour(page, r, Qt::white, 16);
+    };
+    EXPECT_GT(inked(at50(550, 250, 3000, 150)), 10) << "heading";
+    // The legends cover the scale bar image's lowest third; the bar shows above them.
+    EXPECT_GT(countColour(page, at50(300, 3800, 4000, 200), QColor(128, 128, 128), 24), 10) << "scale bar";
+    EXPECT_GT(countColour(page, at50(300, 3800, 4000, 200), QColor(192, 192, 255), 24), 10) << "scale bar";
+    for (double left : {500.0, 1500.0, 2500.0}) EXPECT_GT(inked(at50(left, 4000, 1000, 1689)), 100) << left;
+    EXPECT_EQ(inked(at50(4400, 6000, 600, 600)), 0) << "the page is blank below and beside the legends";
+}
+
+}  // namespace

@@ -1,0 +1,185 @@
+// The scale bar control: which round length it shows for an extent and unit,
+// where it draws the bar, and in which colours.
+#include <QImage>
+#include <QPixmap>
+#include <gtest/gtest.h>
+
+#include "mapping/scalebar.h"
+#include "support/testsupport.h"
+
+namespace {
+
+// A bar the size of the print window's: 4935 x 735 twips, for a map 329 pixels wide.
+void configure(ScaleBar& sb, int units, double left, double top, double right, double bottom)
+{
+    sb.resize(329, 49);
+    sb.setScreenExtent(96, 48, 425, 241);
+    sb.setMapExtent(left, top, right, bottom);
+    sb.setShowOutline(true);
+    sb.setBackColor(0xFFFFFF);
+    sb.setBarColor1(0x808080);
+    sb.setBarColor2(0xFFC0C0);
+    sb.setDivisions(3);
+    QFont f("Arial Narrow");
+    f.setPointSizeF(8);
+    sb.setBarFont(f);
+    sb.setMapUnits(units);
+    sb.setBarWidthRatio(0.6f);
+    sb.setLabelMode(ScaleBar::DivisionLabelsAndUnit);
+}
+
+QRgb rgbAt(const QImage& im, int x, int y) { return im.pixel(x, y) & 0xFFFFFF; }
+
+TEST(ScaleBar, RoundLengthIsTheLargestOfOneTwoTwoAndAHalfFiveBelow)
+{
+    const std::pair<double, double> cases[] = {
+        {1, 1},     {1.9, 1},     {2, 2},       {2.4, 2},        {2.5, 2.5},   {4.99, 2.5},
+        {5, 5},     {9.99, 5},    {10, 10},     {0.3, 0.25},     {1000, 1000}, {999.9, 500},
+        {44528, 25000},           {0.001, 0.001},
+    };
+    for (auto [v, expected] : cases) EXPECT_DOUBLE_EQ(ScaleBar::roundLengthBelow(v), expected) << v;
+}
+
+TEST(ScaleBar, LengthAndUnitFollowTheExtentAndTheUnitCode)
+{
+    struct Case {
+        const char* what;
+        int units;
+        double left, top, right, bottom;
+        int divisions;
+        float ratio;
+        QStringList labels;
+        QString unit;
+    };
+    const Case cases[] = {
+        {"160 km of metres", ScaleBar::Meters, 0, 100000, 160000, 0, 3, 0.6f, {"0", "25", "50", "75"}, "Kilometers"},
+        {"1.1 km of metres", ScaleBar::Meters, 0, 500, 1100, 0, 3, 0.6f, {"0", "200", "400", "600"}, "Meters"},
+        {"100,000 feet", ScaleBar::Feet, 0, 1000, 100000, 0, 3, 0.6f, {"0", "2.5", "5", "7.5"}, "Miles"},
+        {"3,000 feet", ScaleBar::Feet, 0, 1000, 3000, 0, 3, 0.6f, {"0", "500", "1,000", "1,500"}, "Feet"},
+        {"2 degrees at the equator", ScaleBar::Degrees, 10, 1, 12, -1, 3, 0.6f, {"0", "25", "50", "75"},
+         "Kilometers"},
+        // A degree of longitude is half as long at 60 degrees.
+        {"2 degrees at 60 north", ScaleBar::Degrees, 10, 61, 12, 59, 3, 0.6f, {"0", "20", "40", "60"}, "Kilometers"},
+        {"four divisions on half the width", ScaleBar::Meters, 0, 1, 170000, 0, 4, 0.5f,
+         {"0", "20", "40", "60", "80"}, "Kilometers"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ScaleBar sb;
+        configure(sb, c.units, c.left, c.top, c.right, c.bottom);
+        sb.setDivisions(c.divisions);
+        sb.setBarWidthRatio(c.ratio);
+        const ScaleBar::Layout l = sb.layout();
+        ASSERT_TRUE(l.valid);
+        EXPECT_EQ(l.labels, c.labels);
+        EXPECT_EQ(l.unitName, c.unit);
+        // Never longer than the ratio allows, never shorter than half of it.
+        EXPECT_LE(l.bar.width(), c.ratio * sb.width() + 0.5);
+        EXPECT_GE(l.bar.width(), c.ratio * sb.width() / 2);
+        ASSERT_EQ(int(l.ticks.size()), c.divisions + 1);
+        EXPECT_EQ(l.ticks.front(), l.bar.left());
+        EXPECT_EQ(l.ticks.back(), l.bar.left() + l.bar.width());
+        // The bar's length in pixels is its ground length at the map's scale.
+        EXPECT_NEAR(l.bar.width() * l.groundPerPixel, l.division * c.divisions, l.groundPerPixel);
+    }
+}
+
+TEST(ScaleBar, LabelModesChooseWhatIsWritten)
+{
+    struct Case { int mode; QStringList labels; };
+    const Case cases[] = {
+        {ScaleBar::NoLabels, {"", "", "", ""}},
+        {ScaleBar::EndLabel, {"", "", "", "75 Kilometers"}},
+        {ScaleBar::DivisionLabels, {"0", "25", "50", "75"}},
+        {ScaleBar::DivisionLabelsAndUnit, {"0", "25", "50", "75"}},
+    };
+    for (const Case& c : cases) {
+        ScaleBar sb;
+        configure(sb, ScaleBar::Meters, 0, 100000, 160000, 0);
+        sb.setLabelMode(c.mode);
+        EXPECT_EQ(sb.layout().labels, c.labels) << c.mode;
+    }
+}
+
+TEST(ScaleBar, NothingButTheBackgroundWithoutAUsableScale)
+{
+    struct Case { const char* what; int units; double left, top, right, bottom; int divisions; };
+    const Case cases[] = {
+        {"map extent without width", ScaleBar::Meters, 5, 10, 5, 0, 3},
+        {"degrees at the pole", ScaleBar::Degrees, 0, 91, 10, 89, 3},
+        {"no divisions", ScaleBar::Meters, 0, 100000, 160000, 0, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ScaleBar sb;
+        configure(sb, c.units, c.left, c.top, c.right, c.bottom);
+        sb.setDivisions(c.divisions);
+        sb.setBackColor(0x00FFFF);  // yellow in the platform's order
+        EXPECT_FALSE(sb.layout().valid);
+        const QImage im = sb.grab().toImage();
+        for (int y = 0; y < im.height(); ++y)
+            for (int x = 0; x < im.width(); ++x) ASSERT_EQ(rgbAt(im, x, y), 0xFFFF00u) << x << "," << y;
+    }
+    ScaleBar noScreen;
+    configure(noScreen, ScaleBar::Meters, 0, 100000, 160000, 0);
+    noScreen.setScreenExtent(96, 48, 96, 241);
+    EXPECT_FALSE(noScreen.layout().valid);
+}
+
+TEST(ScaleBar, DivisionsAlternateTheTwoBarColoursInsideAnOutline)
+{
+    ScaleBar sb;
+    configure(sb, ScaleBar::Meters, 0, 100000, 160000, 0);
+    const ScaleBar::Layout l = sb.layout();
+    ASSERT_TRUE(l.valid);
+    const QImage im = sb.grab().toImage();
+    const int midY = l.bar.top() + l.bar.height() / 2;
+    const QRgb grey = 0x808080, lightBlue = 0xC0C0FF;  // 0xFFC0C0 is blue-green-red
+    EXPECT_EQ(rgbAt(im, (l.ticks[0] + l.ticks[1]) / 2, midY), grey);
+    EXPECT_EQ(rgbAt(im, (l.ticks[1] + l.ticks[2]) / 2, midY), lightBlue);
+    EXPECT_EQ(rgbAt(im, (l.ticks[2] + l.ticks[3]) / 2, midY), grey);
+    EXPECT_EQ(rgbAt(im, l.bar.left(), midY), 0x000000u);
+    EXPECT_EQ(rgbAt(im, (l.ticks[0] + l.ticks[1]) / 2, l.bar.top()), 0x000000u);
+    EXPECT_EQ(rgbAt(im, 0, 0), 0xFFFFFFu);
+
+    sb.setShowOutline(false);
+    const QImage plain = sb.grab().toImage();
+    EXPECT_EQ(rgbAt(plain, l.bar.left(), midY), grey);
+}
+
+// The print page takes rows 26 to 47 of the print window's bar and lays the
+// legends over the last third of them: the bar and its labels have to lie in
+// rows 26 to 39.
+TEST(ScaleBar, BarAndLabelsLieInTheBandThePrintedPageShows)
+{
+    for (int mode : {ScaleBar::DivisionLabels, ScaleBar::DivisionLabelsAndUnit}) {
+        ScaleBar sb;
+        configure(sb, ScaleBar::Meters, 0, 100000, 160000, 0);
+        sb.setLabelMode(mode);
+        const QImage im = sb.grab().toImage();
+        int outside = 0, inside = 0, rightOfBar = 0;
+        const ScaleBar::Layout l = sb.layout();
+        for (int y = 0; y < im.height(); ++y)
+            for (int x = 0; x < im.width(); ++x) {
+                if (rgbAt(im, x, y) == 0xFFFFFF) continue;
+                (y < 26 || y > 39 ? outside : inside)++;
+                if (x > l.bar.right() + 2 && qGray(im.pixel(x, y)) < 100) rightOfBar++;
+            }
+        EXPECT_EQ(outside, 0) << mode;
+        EXPECT_GT(inside, 0) << mode;
+        // Only the mode with the unit writes beside the bar.
+        if (mode == ScaleBar::DivisionLabelsAndUnit)
+            EXPECT_GT(rightOfBar, 20);
+        else
+            EXPECT_LT(rightOfBar, 20);
+    }
+}
+
+TEST(ScaleBar, PlatformColoursAreRedGreenBlueFromTheLowByte)
+{
+    EXPECT_EQ(ScaleBar::toQColor(0xFFC0C0), QColor(192, 192, 255));
+    EXPECT_EQ(ScaleBar::toQColor(0x0000FF), QColor(255, 0, 0));
+    EXPECT_EQ(ScaleBar::toQColor(0x808080), QColor(128, 128, 128));
+}
+
+}  // namespace
