@@ -175,11 +175,4 @@ TEST(ScaleBar, BarAndLabelsLieInTheBandThePrintedPageShows)
     }
 }
 
-TEST(ScaleBar, PlatformColoursAreRedGreenBlueFromTheLowByte)
-{
-    EXPECT_EQ(ScaleBar::toQColor(0xFFC0C0), QColor(192, 192, 255));
-    EXPECT_EQ(ScaleBar::toQColor(0x0000FF), QColor(255, 0, 0));
-    EXPECT_EQ(ScaleBar::toQColor(0x808080), QColor(128, 128, 128));
-}
-
 }  // namespace
