@@ -275,6 +275,26 @@ TEST_F(MapTest, ValueMapMatchesTheStoredTextExactly)
     EXPECT_EQ(at(img, 70, 50), rgbOf(RGB(102, 140, 190)));
 }
 
+TEST_F(MapTest, RendererOnAFieldTheLayerLacksDrawsTheLayerSymbol)
+{
+    MapLayerPtr l = polygons("nofield", {square(10, 10, 90, 90)}, Green);
+    auto r = std::make_shared<ClassBreaksRenderer>();
+    r->Field = "WINDPWRD";
+    r->setBreakCount(1);
+    r->Symbol(0)->Color = Red;
+    r->Symbol(1)->Color = Red;
+    l->Renderer = r;
+    MapLayerPtr text = layer("text", GeomKind::Polygon, {{square(40, 40, 60, 60), {std::string("abc")}}}, {{"WINDPWRD", 'C', 10}});
+    text->Symbol = solid(Blue);
+    text->Renderer = r;  // a value that is no number
+    map.Layers().Add(l);
+    map.Layers().Add(text);
+    map.setExtent(Rectangle(0, 0, 100, 100));
+    QImage img = picture();
+    EXPECT_EQ(at(img, 20, 20), rgbOf(Green));
+    EXPECT_EQ(at(img, 50, 50), rgbOf(Blue));
+}
+
 TEST_F(MapTest, StylesOfPolygonsLinesAndMarkers)
 {
     MapLayerPtr hatch = polygons("hatch", {square(5, 60, 45, 95)}, Green);
@@ -366,6 +386,14 @@ TEST_F(MapTest, FirstLayerSetsTheFullExtentAndFullExtentEnclosesAllLayers)
     EXPECT_LE(e->Bottom, 5000);
     EXPECT_GE(e->Top, 7000);
     EXPECT_LT(e->Width(), 2500) << "the view is about the layer, not more";
+
+    // Until the view is moved, it follows the layers as they come.
+    map.Layers().Add(polygons("a2", {square(3000, 7000, 3500, 7600)}, Red));
+    e = map.Extent();
+    RectanglePtr whole = map.FullExtent();
+    EXPECT_GE(e->Width(), whole->Width()) << "a freshly loaded dataset shows whole";
+    EXPECT_GE(e->Height(), whole->Height());
+    EXPECT_GE(e->Top, 7600);
 
     map.setExtent(Rectangle(1500, 5500, 1600, 5600));
     map.Layers().Add(polygons("b", {square(-4000, 0, -2000, 100)}, Red));

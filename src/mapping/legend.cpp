@@ -118,6 +118,20 @@ struct Legend::Impl {
         contentHeight = y + Margin;
     }
 
+    static void swatch(QPainter& p, const QRectF& box, const Symbol& symbol, int shapeType)
+    {
+        Map::paintSymbolSample(p, box, symbol, shapeType);
+        // An area without an edge gets a faint one here, so that a white class
+        // still shows as a box.
+        if ((shapeType == moPolygon || shapeType == moRectangle) && !symbol.Outline) {
+            p.save();
+            p.setPen(QColor(160, 160, 160));
+            p.setBrush(Qt::NoBrush);
+            p.drawRect(box.adjusted(0, 0, -1, -1));
+            p.restore();
+        }
+    }
+
     void paintContent(QPainter& p, QWidget* w, int width)
     {
         for (const Entry& e : entries) {
@@ -129,8 +143,7 @@ struct Legend::Impl {
             w->style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, &p, w);
             int nameX = NameX;
             if (e.classes.empty() && e.symbol) {
-                Map::paintSymbolSample(p, QRectF(NameX, y + (RowHeight - SwatchH) / 2, SwatchW, SwatchH), *e.symbol,
-                                       e.shapeType);
+                swatch(p, QRectF(NameX, y + (RowHeight - SwatchH) / 2, SwatchW, SwatchH), *e.symbol, e.shapeType);
                 nameX += SwatchW + 4;
             }
             p.setPen(Qt::black);
@@ -138,9 +151,8 @@ struct Legend::Impl {
                        Qt::AlignVCenter | Qt::AlignLeft, e.name);
             int cy = y + RowHeight;
             for (const Class& c : e.classes) {
-                if (c.symbol)
-                    Map::paintSymbolSample(p, QRectF(ClassSwatchX, cy + (ClassHeight - SwatchH) / 2, SwatchW, SwatchH),
-                                           *c.symbol, e.shapeType);
+                if (c.symbol) swatch(p, QRectF(ClassSwatchX, cy + (ClassHeight - SwatchH) / 2, SwatchW, SwatchH),
+                                     *c.symbol, e.shapeType);
                 p.setPen(Qt::black);
                 p.drawText(QRect(ClassTextX, cy, std::max(width, contentWidth) - ClassTextX, ClassHeight),
                            Qt::AlignVCenter | Qt::AlignLeft, c.label);

@@ -156,6 +156,10 @@ void drawMarker(QPainter& p, const QPointF& c, const Look& look)
     }
 }
 
+// Polygons and lines whose box is smaller than this, in pixels both ways,
+// are drawn as their box.
+constexpr double SmallFeature = 3.5;
+
 // Map units to device pixels: x grows to the right, y downwards.
 struct Xf {
     double s = 1, ax = 0, ay = 0;
@@ -267,15 +271,18 @@ Envelope fitted(const Envelope& e, double w, double h)
 {
     w = std::max(w, 1.0);
     h = std::max(h, 1.0);
-    double ew = e.maxX - e.minX, eh = e.maxY - e.minY;
+    const double ew = e.maxX - e.minX, eh = e.maxY - e.minY;
     const double cx = (e.minX + e.maxX) / 2, cy = (e.minY + e.maxY) / 2;
-    if (!(ew > 0) && !(eh > 0)) ew = eh = 1;
+    if (!(ew > 0) && !(eh > 0)) return {cx - w / h / 2, cy - 0.5, cx + w / h / 2, cy + 0.5};
     const double aspect = w / h;
-    if (!(eh > 0) || ew / eh > aspect)
-        eh = ew / aspect;
-    else
-        ew = eh * aspect;
-    return {cx - ew / 2, cy - eh / 2, cx + ew / 2, cy + eh / 2};
+    // The side that is kept keeps its exact bounds, and the grown one never
+    // ends up a hair short of them: callers compare sizes with the full extent.
+    if (!(eh > 0) || ew / eh > aspect) {
+        const double half = ew / aspect / 2;
+        return {e.minX, std::min(cy - half, e.minY), e.maxX, std::max(cy + half, e.maxY)};
+    }
+    const double half = eh * aspect / 2;
+    return {std::min(cx - half, e.minX), e.minY, std::max(cx + half, e.maxX), e.maxY};
 }
 
 QCursor zoomCursor()
@@ -309,6 +316,9 @@ struct Map::Impl {
     Envelope extent{0, 0, 1, 1};
     QSize fittedTo;
     int layerCount = 0;
+    // From the first layer of an empty map until the view is first moved, the
+    // view follows the full extent, so a dataset loaded layer by layer shows whole.
+    bool followFull = false;
 
     QImage cache;
     bool valid = false;
@@ -338,6 +348,7 @@ struct Map::Impl {
     {
         if (layers().Count() > 0 && layerCount == 0) {
             layerCount = layers().Count();
+            followFull = true;
             Envelope full = fullEnvelope();
             if (!full.isEmpty()) asked = full;
             fittedTo = QSize();
@@ -353,7 +364,8 @@ struct Map::Impl {
     void layersChanged()
     {
         const int n = layers().Count();
-        if (n > 0 && layerCount == 0) {
+        if (n > 0 && layerCount == 0) followFull = true;
+        if (n > 0 && followFull) {
             Envelope full = fullEnvelope();
             if (!full.isEmpty()) asked = full;
             fittedTo = QSize();
@@ -384,6 +396,7 @@ struct Map::Impl {
 
     void moveTo(const Envelope& e)
     {
+        followFull = false;
         asked = e;
         fittedTo = QSize();
         sync();
@@ -520,10 +533,14 @@ struct Map::Impl {
             return;
         }
         const QRectF box = xf.map(env);
-        if (box.width() < 1.5 && box.height() < 1.5) {
-            // Below a pixel: a dot where it lies.
-            const QPointF c = box.center();
-            p.fillRect(QRectF(std::floor(c.x()), std::floor(c.y()), 1, 1), look.dot);
+        if (box.width() < SmallFeature && box.height() < SmallFeature) {
+            // A few pixels at most: its box, snapped to pixels so that cells of
+            // a grid tile without gaps. Far cheaper than the outline.
+            int x0 = int(std::lround(box.left())), x1 = int(std::lround(box.right()));
+            int y0 = int(std::lround(box.top())), y1 = int(std::lround(box.bottom()));
+            if (x1 == x0) ++x1;
+            if (y1 == y0) ++y1;
+            p.fillRect(QRect(x0, y0, x1 - x0, y1 - y0), look.dot);
             return;
         }
         if (look.kind == Kind::Line) {
@@ -790,8 +807,9 @@ void Map::Refresh()
 void Map::OutputMap(QPainter* painter, int x, int y, int width, int height, int option)
 {
     if (!painter || width <= 0 || height <= 0) return;
+    // What the control shows, grown to the box's shape.
     d_->sync();
-    const Envelope view = fitted(d_->asked, width, height);
+    const Envelope view = fitted(d_->extent, width, height);
     double scale = 1.0;
     if (QPaintDevice* dev = painter->device()) scale = std::max(1.0, dev->logicalDpiX() / 96.0);
     const QRectF box(x, y, width, height);
