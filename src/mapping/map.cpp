@@ -107,7 +107,7 @@ Look makeLook(const Symbol& s, Kind kind, double scale)
         break;
     }
     case Kind::Line:
-        look.pen = QPen(color, penWidth(s.Size, scale), lineStyle(s.Style), Qt::FlatCap, Qt::RoundJoin);
+        look.pen = QPen(color, penWidth(s.Size, scale), lineStyle(s.Style), Qt::FlatCap, Qt::BevelJoin);
         look.brush = Qt::NoBrush;
         look.dot = color;
         break;
