@@ -156,8 +156,11 @@ void HideContextLayers(const QStringList& files, bool refresh)
 void ShowProgress(const QString& text)
 {
     FrmMain& f = frmMain();
-    f.lblWorking->setText(text);
     if (gProgressHook) gProgressHook(text);
+    // With one decimal the text changes at most a thousand times a run; a
+    // repaint of a caption that reads the same would show nothing new.
+    if (f.lblWorking->text() == text) return;
+    f.lblWorking->setText(text);
     QElapsedTimer timer;
     timer.start();
     f.RepaintNow();
