@@ -458,13 +458,6 @@ TEST(ResultModel, AppendResultKeysShapeSymbolAndValueAlike)
     EXPECT_DOUBLE_EQ(cFieldValues->Item("1").toDouble(), 200);
 }
 
-TEST(ResultModel, ProgressTextsHaveOneDecimal)
-{
-    EXPECT_EQ(ProgressText("Calculating... ", 0.0), "Calculating... 0.0% finished");
-    EXPECT_EQ(ProgressText("Overlaying... ", 0.125), "Overlaying... 12.5% finished");
-    EXPECT_EQ(ProgressText("Overlaying... ", 2.0 / 3.0), "Overlaying... 66.7% finished");
-}
-
 // ------------------------------------------------------------ expressions
 
 struct RangeCase {
