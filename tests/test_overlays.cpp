@@ -5,6 +5,7 @@
 #include <QMetaObject>
 #include <cmath>
 
+#include "engine/overlay_support.h"
 #include "engine/queries.h"
 #include "mapping/controls.h"
 #include "mapping/symbol.h"
@@ -603,4 +604,40 @@ TEST(AllCriteria, FailuresBeforeTheFirstLandPolygonAreReported)
     fill_cShapes_collection(kAll);
     EXPECT_EQ(boxTexts(), QStringList({" Error Source:md_query_functions2.Wind_All_Overlay()"}));
     EXPECT_EQ(cShapes->Count(), 0);
+}
+
+// ------------------------------------------------ parts of a large polygon
+
+TEST(NearbyParts, CutsGiveWhatTheWholePolygonGives)
+{
+    // A wavy ring of 3000 vertices with a hole: large enough to be tiled.
+    std::string wkt = "POLYGON((";
+    const int n = 3000;
+    for (int i = 0; i <= n; ++i) {
+        const double a = 2 * M_PI * (i % n) / n;
+        const double r = 100000 + 8000 * std::sin(37 * a);
+        wkt += std::to_string(r * std::cos(a)) + " " + std::to_string(r * std::sin(a)) + (i < n ? "," : "),");
+    }
+    wkt += "(-20000 -20000,-20000 20000,20000 20000,20000 -20000,-20000 -20000))";
+    auto whole = std::make_shared<Polygon>(geomFromWkt(wkt.c_str()));
+    overlay::NearbyParts nearby(whole, 200);
+
+    int cut = 0, none = 0;
+    for (double x = -130000; x <= 130000; x += 9000) {
+        for (double y = -130000; y <= 130000; y += 11000) {
+            auto square = std::make_shared<Polygon>(geomFromWkt(rect(x, y, 7000, 7000).c_str()));
+            PolygonPtr near = nearby.around(square->envelope());
+            ShapePtr expected = whole->Intersect(square);
+            ShapePtr got = near ? near->Intersect(square) : nullptr;
+            ASSERT_EQ(bool(got), bool(expected)) << x << " " << y;
+            if (!expected) {
+                ++none;
+                continue;
+            }
+            if (near != whole) ++cut;
+            EXPECT_NEAR(areaOf(got), areaOf(expected), 1e-6 * areaOf(expected)) << x << " " << y;
+        }
+    }
+    EXPECT_GT(cut, 100);  // the tiles were used, not the whole
+    EXPECT_GT(none, 50);  // squares in the hole and outside
 }
