@@ -309,16 +309,11 @@ void FrmMain::setFormSize(int widthTwips, int heightTwips)
 
 void FrmMain::RepaintNow()
 {
-    // Everything but the map, which would only blit its cache anyway.
-    for (QWidget* w : {static_cast<QWidget*>(lblSelectQuery), static_cast<QWidget*>(cboSelectQuery),
-                       static_cast<QWidget*>(fraStartUpImage), static_cast<QWidget*>(fraEditLegend),
-                       static_cast<QWidget*>(cmdOriginalMap), static_cast<QWidget*>(cmdZoomIn),
-                       static_cast<QWidget*>(cboScale), static_cast<QWidget*>(cmdZoomOut),
-                       static_cast<QWidget*>(optPanZoom[0]), static_cast<QWidget*>(optPanZoom[1]),
-                       static_cast<QWidget*>(optPanZoom[2]), static_cast<QWidget*>(lblMapNote)}) {
-        if (w && w->isVisible())
-            w->repaint();
-    }
+    // Paint at once what has changed since the last paint and nothing else:
+    // a control marks itself dirty when its caption or state changes, and the
+    // map only blits its cached picture. A query run calls this at every
+    // record, so it has to cost next to nothing.
+    QCoreApplication::sendPostedEvents(this, QEvent::UpdateRequest);
 }
 
 void FrmMain::resizeEvent(QResizeEvent* e)
