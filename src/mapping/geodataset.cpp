@@ -206,15 +206,14 @@ std::vector<int> GeoDataset::candidates(const Envelope& env) const
 
 struct GeoDataset::Query {
     OGRFeatureDefn* defn = nullptr;
-    std::vector<OGRFeatureUniquePtr> features;
     ~Query() {
-        features.clear();
         if (defn) defn->Release();
     }
 };
 
 std::vector<int> GeoDataset::select(const QString& expression) const
 {
+    const int nf = int(fields_.size());
     if (!query_) {
         auto q = std::make_unique<Query>();
         q->defn = new OGRFeatureDefn("records");
@@ -225,27 +224,9 @@ std::vector<int> GeoDataset::select(const QString& expression) const
             OGRFieldDefn fd(f.name.toUtf8().constData(), t);
             q->defn->AddFieldDefn(&fd);
         }
-        const bool ownId = fieldIndex("FeatureID") < 0;
-        if (ownId) {
+        if (fieldIndex("FeatureID") < 0) {
             OGRFieldDefn fd("FeatureID", OFTInteger64);
             q->defn->AddFieldDefn(&fd);
-        }
-        const int nf = int(fields_.size());
-        q->features.reserve(records_.size());
-        for (int r = 0; r < count(); ++r) {
-            OGRFeatureUniquePtr feat(OGRFeature::CreateFeature(q->defn));
-            for (int c = 0; c < nf; ++c) {
-                const QVariant& v = value(r, c);
-                if (!v.isValid() || v.isNull()) continue;
-                switch (fields_[size_t(c)].type) {
-                case moString: feat->SetField(c, v.toString().toUtf8().constData()); break;
-                case moLong: feat->SetField(c, GIntBig(v.toLongLong())); break;
-                default: feat->SetField(c, v.toDouble()); break;
-                }
-            }
-            if (ownId) feat->SetField(nf, GIntBig(r));
-            feat->SetFID(r);
-            q->features.push_back(std::move(feat));
         }
         query_ = std::move(q);
     }
@@ -253,9 +234,35 @@ std::vector<int> GeoDataset::select(const QString& expression) const
     OGRFeatureQuery fq;
     if (fq.Compile(query_->defn, expression.toUtf8().constData(), TRUE, nullptr) != OGRERR_NONE)
         throw MapError("bad expression: " + expression.toStdString());
+    // One feature is filled with each record's values in turn, and only with
+    // the columns the expression names.
+    std::vector<int> columns;
+    char** used = fq.GetUsedFields();
+    for (char** u = used; u && *u; ++u)
+        if (int c = query_->defn->GetFieldIndex(*u); c >= 0) columns.push_back(c);
+    CSLDestroy(used);
+    OGRFeatureUniquePtr feat(OGRFeature::CreateFeature(query_->defn));
     std::vector<int> out;
-    for (int r = 0; r < count(); ++r)
-        if (fq.Evaluate(query_->features[size_t(r)].get())) out.push_back(r);
+    for (int r = 0; r < count(); ++r) {
+        for (int c : columns) {
+            if (c == nf) {
+                feat->SetField(c, GIntBig(r));
+                continue;
+            }
+            const QVariant& v = value(r, c);
+            if (!v.isValid() || v.isNull()) {
+                feat->SetFieldNull(c);
+                continue;
+            }
+            switch (fields_[size_t(c)].type) {
+            case moString: feat->SetField(c, v.toString().toUtf8().constData()); break;
+            case moLong: feat->SetField(c, GIntBig(v.toLongLong())); break;
+            default: feat->SetField(c, v.toDouble()); break;
+            }
+        }
+        feat->SetFID(r);
+        if (fq.Evaluate(feat.get())) out.push_back(r);
+    }
     if (CPLGetLastErrorType() == CE_Failure) throw MapError("expression could not be evaluated");
     return out;
 }
