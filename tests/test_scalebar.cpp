@@ -32,15 +32,13 @@ QRgb rgbAt(const QImage& im, int x, int y) { return im.pixel(x, y) & 0xFFFFFF; }
 
 TEST(ScaleBar, RoundLengthIsTheLargestOfOneTwoTwoAndAHalfFiveBelow)
 {
-    const std::pair<double, double> cases[] = {
-        {1, 1},     {1.9, 1},     {2, 2},       {2.4, 2},        {2.5, 2.5},   {4.99, 2.5},
-        {5, 5},     {9.99, 5},    {10, 10},     {0.3, 0.25},     {1000, 1000}, {999.9, 500},
-        {44528, 25000},           {0.001, 0.001},
-    };
+    const std::pair<double, double> cases[] = {{1, 1},       {1.9, 1},     {2, 2},         {2.4, 2},     {2.5, 2.5},
+                                               {4.99, 2.5},  {5, 5},       {9.99, 5},      {10, 10},     {0.3, 0.25},
+                                               {1000, 1000}, {999.9, 500}, {44528, 25000}, {0.001, 0.001}};
     for (auto [v, expected] : cases) EXPECT_DOUBLE_EQ(ScaleBar::roundLengthBelow(v), expected) << v;
 }
 
-TEST(ScaleBar, LengthAndUnitFollowTheExtentAndTheUnitCode)
+TEST(ScaleBar, LengthUnitAndLabelsFollowTheExtentUnitCodeAndMode)
 {
     struct Case {
         const char* what;
@@ -51,17 +49,17 @@ TEST(ScaleBar, LengthAndUnitFollowTheExtentAndTheUnitCode)
         QStringList labels;
         QString unit;
     };
+    const QStringList km75 = {"0", "25", "50", "75"};
     const Case cases[] = {
-        {"160 km of metres", ScaleBar::Meters, 0, 100000, 160000, 0, 3, 0.6f, {"0", "25", "50", "75"}, "Kilometers"},
+        {"160 km of metres", ScaleBar::Meters, 0, 100000, 160000, 0, 3, 0.6f, km75, "Kilometers"},
         {"1.1 km of metres", ScaleBar::Meters, 0, 500, 1100, 0, 3, 0.6f, {"0", "200", "400", "600"}, "Meters"},
         {"100,000 feet", ScaleBar::Feet, 0, 1000, 100000, 0, 3, 0.6f, {"0", "2.5", "5", "7.5"}, "Miles"},
         {"3,000 feet", ScaleBar::Feet, 0, 1000, 3000, 0, 3, 0.6f, {"0", "500", "1,000", "1,500"}, "Feet"},
-        {"2 degrees at the equator", ScaleBar::Degrees, 10, 1, 12, -1, 3, 0.6f, {"0", "25", "50", "75"},
-         "Kilometers"},
+        {"2 degrees at the equator", ScaleBar::Degrees, 10, 1, 12, -1, 3, 0.6f, km75, "Kilometers"},
         // A degree of longitude is half as long at 60 degrees.
         {"2 degrees at 60 north", ScaleBar::Degrees, 10, 61, 12, 59, 3, 0.6f, {"0", "20", "40", "60"}, "Kilometers"},
-        {"four divisions on half the width", ScaleBar::Meters, 0, 1, 170000, 0, 4, 0.5f,
-         {"0", "20", "40", "60", "80"}, "Kilometers"},
+        {"four divisions on half the width", ScaleBar::Meters, 0, 1, 170000, 0, 4, 0.5f, {"0", "20", "40", "60", "80"},
+         "Kilometers"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -82,22 +80,16 @@ TEST(ScaleBar, LengthAndUnitFollowTheExtentAndTheUnitCode)
         // The bar's length in pixels is its ground length at the map's scale.
         EXPECT_NEAR(l.bar.width() * l.groundPerPixel, l.division * c.divisions, l.groundPerPixel);
     }
-}
 
-TEST(ScaleBar, LabelModesChooseWhatIsWritten)
-{
-    struct Case { int mode; QStringList labels; };
-    const Case cases[] = {
-        {ScaleBar::NoLabels, {"", "", "", ""}},
-        {ScaleBar::EndLabel, {"", "", "", "75 Kilometers"}},
-        {ScaleBar::DivisionLabels, {"0", "25", "50", "75"}},
-        {ScaleBar::DivisionLabelsAndUnit, {"0", "25", "50", "75"}},
-    };
-    for (const Case& c : cases) {
+    const std::pair<int, QStringList> modes[] = {{ScaleBar::NoLabels, {"", "", "", ""}},
+                                                 {ScaleBar::EndLabel, {"", "", "", "75 Kilometers"}},
+                                                 {ScaleBar::DivisionLabels, km75},
+                                                 {ScaleBar::DivisionLabelsAndUnit, km75}};
+    for (const auto& [mode, labels] : modes) {
         ScaleBar sb;
         configure(sb, ScaleBar::Meters, 0, 100000, 160000, 0);
-        sb.setLabelMode(c.mode);
-        EXPECT_EQ(sb.layout().labels, c.labels) << c.mode;
+        sb.setLabelMode(mode);
+        EXPECT_EQ(sb.layout().labels, labels) << mode;
     }
 }
 
@@ -143,8 +135,7 @@ TEST(ScaleBar, DivisionsAlternateTheTwoBarColoursInsideAnOutline)
     EXPECT_EQ(rgbAt(im, 0, 0), 0xFFFFFFu);
 
     sb.setShowOutline(false);
-    const QImage plain = sb.grab().toImage();
-    EXPECT_EQ(rgbAt(plain, l.bar.left(), midY), grey);
+    EXPECT_EQ(rgbAt(sb.grab().toImage(), l.bar.left(), midY), grey);
 }
 
 // The print page takes rows 26 to 47 of the print window's bar and lays the
@@ -157,8 +148,8 @@ TEST(ScaleBar, BarAndLabelsLieInTheBandThePrintedPageShows)
         configure(sb, ScaleBar::Meters, 0, 100000, 160000, 0);
         sb.setLabelMode(mode);
         const QImage im = sb.grab().toImage();
-        int outside = 0, inside = 0, rightOfBar = 0;
         const ScaleBar::Layout l = sb.layout();
+        int outside = 0, inside = 0, rightOfBar = 0;
         for (int y = 0; y < im.height(); ++y)
             for (int x = 0; x < im.width(); ++x) {
                 if (rgbAt(im, x, y) == 0xFFFFFF) continue;
@@ -168,10 +159,7 @@ TEST(ScaleBar, BarAndLabelsLieInTheBandThePrintedPageShows)
         EXPECT_EQ(outside, 0) << mode;
         EXPECT_GT(inside, 0) << mode;
         // Only the mode with the unit writes beside the bar.
-        if (mode == ScaleBar::DivisionLabelsAndUnit)
-            EXPECT_GT(rightOfBar, 20);
-        else
-            EXPECT_LT(rightOfBar, 20);
+        EXPECT_EQ(rightOfBar > 20, mode == ScaleBar::DivisionLabelsAndUnit) << rightOfBar;
     }
 }
 
