@@ -23,13 +23,12 @@ class LegendTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        dir = testsupport::tempDir("legend-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
         map.resize(200, 200);
         legend.resize(220, 300);
         legend.BindLegendToMap(&map);
     }
 
-    // A polygon layer with one square per value of the field.
+    // A polygon layer with one square per value of the field, added on top of the map.
     MapLayerPtr layer(const std::string& name, const std::string& field, char type, const std::vector<AttrValue>& values)
     {
         std::vector<FeatureSpec> f;
@@ -42,6 +41,7 @@ protected:
         auto l = std::make_shared<MapLayer>();
         l->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
         l->Name = QString::fromStdString(name);
+        map.Layers().Add(l);
         return l;
     }
 
@@ -54,33 +54,29 @@ protected:
         return r;
     }
 
-    std::string dir;
+    std::string dir =
+        testsupport::tempDir("legend-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
     Map map;
     Legend legend;
 };
 
 TEST_F(LegendTest, EntriesFollowTheLayersTopFirstWithTheirClasses)
 {
-    MapLayerPtr wind = layer("Wind", "WINDPWRD", 'N', {150.0, 450.0, 900.0});
-    wind->Renderer = breaks("WINDPWRD", {200, 300, 400, 500, 600, 800});
-    MapLayerPtr solar = layer("Solar", "ANNDIR", 'N', {2.2, 3.7});
-    solar->Renderer = breaks("ANNDIR", {1.9999999999, 2.5, 2.9999999999});
-    MapLayerPtr elevation = layer("Elevation", "Elev_m", 'N', {-20.0, 700.0});
-    elevation->Renderer = breaks("Elev_m", {200, 400});
-    MapLayerPtr landuse = layer("Land Use", "LAND_USE", 'C', {std::string("FOREST"), std::string("WATER")});
+    layer("Wind", "WINDPWRD", 'N', {150.0, 450.0, 900.0})->Renderer = breaks("WINDPWRD", {200, 300, 400, 500, 600, 800});
+    layer("Solar", "ANNDIR", 'N', {2.2, 3.7})->Renderer = breaks("ANNDIR", {1.9999999999, 2.5, 2.9999999999});
+    layer("Elevation", "Elev_m", 'N', {-20.0, 700.0})->Renderer = breaks("Elev_m", {200, 400});
     auto values = std::make_shared<ValueMapRenderer>();
     values->Field = "LAND_USE";
     values->setValueCount(2);
     values->setValue(0, "FOREST");
     values->setValue(1, " WATER");
-    landuse->Renderer = values;
-    MapLayerPtr plain = layer("Lakes", "VALUE", 'N', {1.0});
-    for (auto& l : {wind, solar, elevation, landuse, plain}) map.Layers().Add(l);
+    layer("Land Use", "LAND_USE", 'C', {std::string("FOREST"), std::string("WATER")})->Renderer = values;
+    layer("Lakes", "VALUE", 'N', {1.0});
 
     legend.FillLegend(true);
-    ASSERT_EQ(legend.entryCount(), 5);
-    const QStringList names = {"Lakes", "Land Use", "Elevation", "Solar", "Wind"};
-    for (int i = 0; i < 5; ++i) EXPECT_EQ(legend.entryName(i), names[i]) << i;
+    QStringList names;
+    for (int i = 0; i < legend.entryCount(); ++i) names << legend.entryName(i);
+    EXPECT_EQ(names, QStringList({"Lakes", "Land Use", "Elevation", "Solar", "Wind"}));
 
     EXPECT_EQ(legend.entryClasses(4),
               QStringList({"0 - 200", "200 - 300", "300 - 400", "400 - 500", "500 - 600", "600 - 800", "800 +"}));
@@ -107,8 +103,6 @@ TEST_F(LegendTest, CheckBoxSwitchesVisibleBeforeTheEventAndDrawsNothingItself)
 {
     MapLayerPtr bottom = layer("Bottom", "VALUE", 'N', {1.0});
     MapLayerPtr top = layer("Top", "VALUE", 'N', {1.0});
-    map.Layers().Add(bottom);
-    map.Layers().Add(top);
     legend.FillLegend(true);
 
     QStringList seen;
@@ -143,7 +137,6 @@ TEST_F(LegendTest, CheckBoxSwitchesVisibleBeforeTheEventAndDrawsNothingItself)
 TEST_F(LegendTest, SaveLegendBitmapWritesAllOfItEvenWhenItScrolls)
 {
     legend.resize(200, 60);
-    MapLayerPtr many = layer("Many", "V", 'N', {1.0});
     std::vector<double> b;
     for (int i = 1; i <= 20; ++i) b.push_back(i * 10);
     auto r = breaks("V", b);
@@ -152,8 +145,7 @@ TEST_F(LegendTest, SaveLegendBitmapWritesAllOfItEvenWhenItScrolls)
         r->Symbol(i)->Outline = false;
     }
     r->Symbol(20)->Color = RGB(12, 34, 56);  // only the last class
-    many->Renderer = r;
-    map.Layers().Add(many);
+    layer("Many", "V", 'N', {1.0})->Renderer = r;
     legend.FillLegend(true);
 
     auto bar = legend.findChild<QScrollBar*>();
@@ -161,13 +153,11 @@ TEST_F(LegendTest, SaveLegendBitmapWritesAllOfItEvenWhenItScrolls)
     EXPECT_FALSE(bar->isHidden()) << "a legend longer than the control scrolls";
 
     const QString path = QString::fromStdString(dir + "/LegendBmp1.bmp");
-    QFile::remove(path);
     ASSERT_TRUE(legend.SaveLegendBitmap(path));
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.read(2), QByteArray("BM"));
-    file.close();
-    QImage img(path);
+    const QImage img(path);
     ASSERT_FALSE(img.isNull());
     EXPECT_GE(img.width(), 200);
     EXPECT_GT(img.height(), 21 * 15) << "all classes, not the visible part";
@@ -180,7 +170,7 @@ TEST_F(LegendTest, SaveLegendBitmapWritesAllOfItEvenWhenItScrolls)
     legend.ClearLegend();
     EXPECT_TRUE(bar->isHidden());
     ASSERT_TRUE(legend.SaveLegendBitmap(path));
-    QImage blank(path);
+    const QImage blank(path);
     EXPECT_EQ(blank.size(), QSize(200, 60));
     EXPECT_EQ(blank.pixel(100, 30), qRgb(255, 255, 255));
 
