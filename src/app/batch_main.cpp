@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <deque>
 
+#include "app/application.h"
 #include "app/frmMain.h"
 #include "engine/query_run.h"
 #include "info/frmInfo.h"
@@ -273,6 +274,7 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     qInstallMessageHandler(quietQtMessages);
     QApplication app(argc, argv);
+    InitApplication();
 
     Options o;
     const QString problem = parse(QCoreApplication::arguments(), o);

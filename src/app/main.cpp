@@ -2,13 +2,13 @@
 // window shows when the splash is dismissed.
 #include <QApplication>
 
+#include "app/application.h"
 #include "app/frmSplash.h"
 
 int main(int argc, char* argv[])
 {
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Marlowan"));
-    QApplication::setApplicationVersion(QStringLiteral("1.2.0"));
+    InitApplication();
     frmSplash().show();
     return app.exec();
 }

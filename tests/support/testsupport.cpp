@@ -1,5 +1,7 @@
 #include "support/testsupport.h"
 
+#include "app/application.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -86,7 +88,7 @@ int main(int argc, char** argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    QApplication::setApplicationName("Marlowan");
+    InitApplication();
     seam::setHandler(&testsupport::recorder());
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

@@ -317,21 +317,22 @@ std::size_t wind(World& w, const std::string& path, Rng& r)
     return out.count();
 }
 
-std::vector<std::unique_ptr<OGRGeometry>> zones(World& w, Rng& r, int count)
+// The two further wind files hold small measurement areas, not a cover of the
+// country: they load with the plain default symbol and would otherwise hide
+// everything drawn beneath them.
+std::vector<std::unique_ptr<OGRGeometry>> measurementAreas(World& w, Rng& r, int count)
 {
-    std::vector<Pt> seeds;
-    for (int i = 0; i < count; ++i) seeds.push_back(w.country.randomInside(r));
-    auto cells = voronoiCells(seeds, w.country);
     std::vector<std::unique_ptr<OGRGeometry>> out;
-    for (auto& c : cells)
-        if (c) out.push_back(std::move(c));
+    const double rad = w.scale.width / 70;
+    for (int attempt = 0; static_cast<int>(out.size()) < count && attempt < 100 * count; ++attempt)
+        if (auto shape = w.country.clip(blob(r, w.country.randomInside(r, rad * 1.5), rad, 24))) out.push_back(std::move(shape));
     return out;
 }
 
 std::size_t windSpeed(World& w, const std::string& path, Rng& r)
 {
     ShapefileWriter out(path, GeomKind::Polygon, {{"SPEED", 'N', 6, 2}, {"HEIGHT", 'I', 4}});
-    for (const auto& z : zones(w, r, w.scale.windSpeedZones)) {
+    for (const auto& z : measurementAreas(w, r, w.scale.windSpeedZones)) {
         const Pt c = centroidOf(*z);
         out.add(z.get(), {roundTo(7 + 2.5 * w.windiness(c.x, c.y), 0.01), 50LL});
     }
@@ -343,7 +344,7 @@ std::size_t windRegime(World& w, const std::string& path, Rng& r)
 {
     ShapefileWriter out(path, GeomKind::Polygon, {{"ZONE", 'C', 30}, {"SPEED", 'N', 6, 2}});
     int i = 0;
-    for (const auto& z : zones(w, r, w.scale.windRegimes)) {
+    for (const auto& z : measurementAreas(w, r, w.scale.windRegimes)) {
         const Pt c = centroidOf(*z);
         out.add(z.get(), {"Regime " + std::to_string(++i), roundTo(6 + 2 * w.windiness(c.x, c.y), 0.01)});
     }
