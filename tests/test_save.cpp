@@ -7,10 +7,6 @@
 #include <ogr_srs_api.h>
 #include <cpl_conv.h>
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <unistd.h>
@@ -32,63 +28,31 @@ namespace {
 
 const QString kFailure = " Error Source:md_query_functions2.SaveTrackingLayer()";
 
-std::string num(double v)
-{
-    char b[40];
-    std::snprintf(b, sizeof b, "%.17g", v);
-    return b;
-}
+ShapePtr shape(const QString& wkt) { return shapeFromGeom(geomFromWkt(wkt.toUtf8().constData())); }
 
-// A square of side s at (x, y), optionally with a square hole.
+// A square of side s at (x, y), optionally with a square hole of half the side.
 ShapePtr square(double x, double y, double s, bool hole = false)
 {
-    std::string wkt = "POLYGON((" + num(x) + " " + num(y) + "," + num(x + s) + " " + num(y) + "," + num(x + s) + " "
-                      + num(y + s) + "," + num(x) + " " + num(y + s) + "," + num(x) + " " + num(y) + ")";
-    if (hole) {
-        const double a = x + s / 4, b = y + s / 4, c = x + 3 * s / 4, d = y + 3 * s / 4;
-        wkt += ",(" + num(a) + " " + num(b) + "," + num(a) + " " + num(d) + "," + num(c) + " " + num(d) + "," + num(c)
-               + " " + num(b) + "," + num(a) + " " + num(b) + ")";
-    }
-    return shapeFromGeom(geomFromWkt((wkt + ")").c_str()));
+    const QString ring = "(%1 %2,%3 %2,%3 %4,%1 %4,%1 %2)";
+    QString wkt = "POLYGON(" + ring.arg(x).arg(y).arg(x + s).arg(y + s);
+    if (hole) wkt += "," + ring.arg(x + s / 4).arg(y + s / 4).arg(x + 3 * s / 4).arg(y + 3 * s / 4);
+    return shape(wkt + ")");
 }
 
-ShapePtr twoParts(double x, double y)
-{
-    const std::string wkt = "MULTIPOLYGON(((" + num(x) + " " + num(y) + "," + num(x + 10) + " " + num(y) + ","
-                            + num(x + 10) + " " + num(y + 10) + "," + num(x) + " " + num(y) + ")),((" + num(x + 20)
-                            + " " + num(y) + "," + num(x + 40) + " " + num(y) + "," + num(x + 40) + " " + num(y + 5)
-                            + "," + num(x + 20) + " " + num(y + 5) + "," + num(x + 20) + " " + num(y) + ")))";
-    return shapeFromGeom(geomFromWkt(wkt.c_str()));
-}
-
-double areaOf(const ShapePtr& s) { return std::static_pointer_cast<GeoShape>(s)->Area(); }
-
-void setResult(const std::vector<ShapePtr>& shapes)
+// The result model and the values of the query that made it.
+void setResult(const std::vector<ShapePtr>& shapes, const QString& field, const std::vector<double>& values)
 {
     cShapes = std::make_shared<Collection<ShapePtr>>();
     for (const auto& s : shapes) cShapes->Add(s, QString::number(cShapes->Count()));
-}
-
-void setValues(const QString& field, const std::vector<double>& values)
-{
     sFieldName = field;
     cFieldValues = std::make_shared<Collection<QVariant>>();
     for (double v : values) cFieldValues->Add(QVariant(v), QString::number(cFieldValues->Count()));
 }
 
-std::vector<ShapePtr> squares(int n)
-{
-    std::vector<ShapePtr> out;
-    for (int i = 0; i < n; ++i) out.push_back(square(1000.0 * i, 0, 100 + i));
-    return out;
-}
-
 struct Saved {
     bool opened = false;
     int geomType = 0;
-    std::vector<std::string> fieldNames;
-    OGRFieldType fieldType = OFTString;
-    int width = 0, precision = 0;
+    std::string fields;  // "NAME Type width.precision" for each field
     std::vector<double> values, areas;
     std::string srsWkt;
 };
@@ -104,13 +68,10 @@ Saved readBack(const std::string& path)
     OGRLayerH layer = GDALDatasetGetLayer(ds, 0);
     s.geomType = int(wkbFlatten(OGR_L_GetGeomType(layer)));
     OGRFeatureDefnH defn = OGR_L_GetLayerDefn(layer);
-    for (int i = 0; i < OGR_FD_GetFieldCount(defn); ++i)
-        s.fieldNames.push_back(OGR_Fld_GetNameRef(OGR_FD_GetFieldDefn(defn, i)));
-    if (!s.fieldNames.empty()) {
-        OGRFieldDefnH f = OGR_FD_GetFieldDefn(defn, 0);
-        s.fieldType = OGR_Fld_GetType(f);
-        s.width = OGR_Fld_GetWidth(f);
-        s.precision = OGR_Fld_GetPrecision(f);
+    for (int i = 0; i < OGR_FD_GetFieldCount(defn); ++i) {
+        OGRFieldDefnH f = OGR_FD_GetFieldDefn(defn, i);
+        s.fields += std::string(i ? ", " : "") + OGR_Fld_GetNameRef(f) + " " + OGR_GetFieldTypeName(OGR_Fld_GetType(f))
+                    + " " + std::to_string(OGR_Fld_GetWidth(f)) + "." + std::to_string(OGR_Fld_GetPrecision(f));
     }
     if (OGRSpatialReferenceH srs = OGR_L_GetSpatialRef(layer)) {
         char* wkt = nullptr;
@@ -118,7 +79,6 @@ Saved readBack(const std::string& path)
         s.srsWkt = wkt ? wkt : "";
         CPLFree(wkt);
     }
-    OGR_L_ResetReading(layer);
     while (OGRFeatureH feat = OGR_L_GetNextFeature(layer)) {
         s.values.push_back(OGR_F_GetFieldAsDouble(feat, 0));
         OGRGeometryH g = OGR_F_GetGeometryRef(feat);
@@ -168,7 +128,12 @@ protected:
         for (int i = 0; i < layers.Count(); ++i) cLayerIndex->Add(i, layers.Item(i)->Tag);
     }
 
-    void answerWith(const std::string& path) { recorder().files.push_back(fileAnswer(QString::fromStdString(path))); }
+    // Saves to the given name under the test's directory, as the dialog answers it.
+    void saveAs(const std::string& name)
+    {
+        recorder().files.push_back(fileAnswer(QString::fromStdString(dir + "/" + name)));
+        SaveTrackingLayer();
+    }
 
     std::string dir;
 };
@@ -176,13 +141,10 @@ protected:
 TEST_F(SaveTest, ResultReadsBackWithItsGeometriesValuesAndProjection)
 {
     loadLayer("20_wind.shp", true);
-    const std::vector<ShapePtr> shapes{square(0, 0, 100), square(500, 500, 80, true), twoParts(2000, 0)};
-    setResult(shapes);
-    setValues("WINDPWRD", {400, 200.5, 600});
+    const QString twoParts = "MULTIPOLYGON(((2000 0,2010 0,2010 10,2000 0)),((2020 0,2040 0,2040 5,2020 5,2020 0)))";
+    setResult({square(0, 0, 100), square(500, 500, 80, true), shape(twoParts)}, "WINDPWRD", {400, 200.5, 600});
     sDataDirectory = QString::fromStdString(dir) + "/";
-    answerWith(dir + "/result.shp");
-
-    SaveTrackingLayer();
+    saveAs("result.shp");
 
     EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
     ASSERT_EQ(recorder().fileRequests.size(), 1u);
@@ -197,29 +159,21 @@ TEST_F(SaveTest, ResultReadsBackWithItsGeometriesValuesAndProjection)
     const Saved s = readBack(dir + "/result.shp");
     ASSERT_TRUE(s.opened);
     EXPECT_EQ(s.geomType, int(wkbPolygon));
-    EXPECT_EQ(s.fieldNames, std::vector<std::string>{"WINDPWRD"});
-    EXPECT_EQ(s.fieldType, OFTReal);
-    EXPECT_EQ(s.width, 15);
-    EXPECT_EQ(s.precision, 1);
+    EXPECT_EQ(s.fields, "WINDPWRD Real 15.1");
     EXPECT_EQ(s.values, (std::vector<double>{400, 200.5, 600}));
-    ASSERT_EQ(s.areas.size(), shapes.size());
-    for (size_t i = 0; i < shapes.size(); ++i) EXPECT_NEAR(s.areas[i], areaOf(shapes[i]), 1e-6) << i;
+    // The hole and both parts survive.
+    EXPECT_EQ(s.areas, (std::vector<double>{10000, 4800, 150}));
 
     // The projection is that of the wind layer the values came from.
     ASSERT_TRUE(fs::exists(dir + "/result.prj"));
-    const Saved source = readBack(dir + "/src_20_wind.shp");
-    ASSERT_FALSE(source.srsWkt.empty());
-    OGRSpatialReferenceH expected = OSRNewSpatialReference(source.srsWkt.c_str());
-    OGRSpatialReferenceH got = OSRNewSpatialReference(s.srsWkt.c_str());
-    EXPECT_TRUE(OSRIsSame(expected, got));
-    OSRDestroySpatialReference(expected);
-    OSRDestroySpatialReference(got);
+    const std::string sourceWkt = readBack(dir + "/src_20_wind.shp").srsWkt;
+    ASSERT_FALSE(sourceWkt.empty());
+    EXPECT_EQ(s.srsWkt, sourceWkt);
 
     // The map and the result are as they were, so the same result saves again.
     EXPECT_EQ(frmMain().Map1->Layers().Count(), 1);
     EXPECT_EQ(cShapes->Count(), 3);
-    answerWith(dir + "/again.shp");
-    SaveTrackingLayer();
+    saveAs("again.shp");
     EXPECT_EQ(readBack(dir + "/again.shp").values.size(), 3u);
 }
 
@@ -228,22 +182,21 @@ TEST_F(SaveTest, ProjectionComesFromTheChosenSolarLayerOrIsLeftOut)
     struct Case { const char* field; const char* solarFile; const char* loaded; bool prj; bool withPrj; };
     const Case cases[] = {
         {"ANNGLO", "14_solar_glo.shp", "14_solar_glo.shp", true, true},
-        {"ANNDIR", "11_solar_direct.shp", "20_wind.shp", false, true},   // the chosen layer is not loaded
-        {"WINDPWRD", "", "20_wind.shp", false, false},                   // the layer has no projection file
+        {"ANNDIR", "11_solar_direct.shp", "20_wind.shp", false, true},  // the chosen layer is not loaded
+        {"WINDPWRD", "", "20_wind.shp", false, false},                  // the layer has no projection file
     };
     int n = 0;
     for (const Case& c : cases) {
+        SCOPED_TRACE(c.field);
         frmMain().Map1->Layers().Clear();
         loadLayer(c.loaded, c.withPrj);
-        setResult({square(0, 0, 10)});
-        setValues(c.field, {5.5});
+        setResult({square(0, 0, 10)}, c.field, {5.5});
         sSolarLayerFile = c.solarFile;
-        const std::string out = dir + "/out" + std::to_string(n++) + ".shp";
-        answerWith(out);
-        SaveTrackingLayer();
+        const std::string out = "out" + std::to_string(n++);
+        saveAs(out + ".shp");
         EXPECT_TRUE(recorder().boxes.empty());
-        EXPECT_TRUE(readBack(out).opened) << c.field;
-        EXPECT_EQ(fs::exists(out.substr(0, out.size() - 4) + ".prj"), c.prj) << c.field;
+        EXPECT_TRUE(readBack(dir + "/" + out + ".shp").opened);
+        EXPECT_EQ(fs::exists(dir + "/" + out + ".prj"), c.prj);
     }
 }
 
@@ -251,59 +204,58 @@ TEST_F(SaveTest, AskFirstAboveFiftyFeatures)
 {
     struct Case { int count; bool asked; seam::Answer answer; bool written; };
     const Case cases[] = {
-        {1, false, seam::Answer::Yes, true},
-        {50, false, seam::Answer::No, true},
-        {51, true, seam::Answer::No, false},
-        {51, true, seam::Answer::Yes, true},
-        {120, true, seam::Answer::Yes, true},
+        {1, false, seam::Answer::Yes, true},  {50, false, seam::Answer::No, true}, {51, true, seam::Answer::No, false},
+        {51, true, seam::Answer::Yes, true}, {120, true, seam::Answer::Yes, true},
     };
     int n = 0;
     for (const Case& c : cases) {
+        SCOPED_TRACE(c.count);
         recorder().clear();
-        setResult(squares(c.count));
-        std::vector<double> values(size_t(c.count), 200.0);
-        setValues("WINDPWRD", values);
-        const std::string out = dir + "/n" + std::to_string(n++) + ".shp";
-        answerWith(out);
+        std::vector<ShapePtr> shapes;
+        for (int i = 0; i < c.count; ++i) shapes.push_back(square(1000.0 * i, 0, 100 + i));
+        setResult(shapes, "WINDPWRD", std::vector<double>(size_t(c.count), 200.0));
         recorder().answers.push_back(c.answer);
-
-        SaveTrackingLayer();
+        const std::string out = "n" + std::to_string(n++) + ".shp";
+        saveAs(out);
 
         if (c.asked) {
-            ASSERT_EQ(recorder().boxes.size(), 1u) << c.count;
+            ASSERT_EQ(recorder().boxes.size(), 1u);
             EXPECT_EQ(recorder().boxes[0].text, "It may take few minutes to save " + QString::number(c.count)
                                                     + " features. Do you want to continue? ");
             EXPECT_EQ(recorder().boxes[0].buttons, seam::Buttons::YesNo);
         } else {
-            EXPECT_TRUE(recorder().boxes.empty()) << c.count;
+            EXPECT_TRUE(recorder().boxes.empty());
         }
         // No dialog at all after a No.
-        EXPECT_EQ(recorder().fileRequests.size(), c.written ? 1u : 0u) << c.count;
-        const Saved s = readBack(out);
-        EXPECT_EQ(s.opened, c.written) << c.count;
+        EXPECT_EQ(recorder().fileRequests.size(), c.written ? 1u : 0u);
+        const Saved s = readBack(dir + "/" + out);
+        EXPECT_EQ(s.opened, c.written);
         if (c.written) EXPECT_EQ(int(s.values.size()), c.count);
     }
 }
 
 TEST_F(SaveTest, SilentStopsWriteNothing)
 {
-    // No query yet, an empty result, a cancelled dialog, an empty name.
-    recorder().files.push_back(fileAnswer(QString::fromStdString(dir + "/x.shp")));
-    SaveTrackingLayer();
-    setResult({});
-    setValues("WINDPWRD", {});
+    // No query yet, an empty result.
+    saveAs("x.shp");
+    setResult({}, "WINDPWRD", {});
     SaveTrackingLayer();
     EXPECT_TRUE(recorder().fileRequests.empty());
     recorder().clear();
 
-    setResult({square(0, 0, 10)});
-    setValues("WINDPWRD", {200});
-    SaveTrackingLayer();  // the recorder cancels when no answer is queued
+    // A cancelled dialog (the recorder cancels when no answer is queued), an empty name.
+    setResult({square(0, 0, 10)}, "WINDPWRD", {200});
+    SaveTrackingLayer();
     seam::FileAnswer empty;
     empty.cancelled = false;
     recorder().files.push_back(empty);
     SaveTrackingLayer();
     EXPECT_EQ(recorder().fileRequests.size(), 2u);
+
+    // After the off-grid query with no query before it: no field name.
+    cFieldValues.reset();
+    sFieldName.clear();
+    saveAs("none.shp");
     EXPECT_TRUE(recorder().boxes.empty());
     EXPECT_TRUE(filesIn(dir).empty());
 }
@@ -312,41 +264,34 @@ TEST_F(SaveTest, SilentStopsWriteNothing)
 TEST_F(SaveTest, TitleEarlierInThePathCutsTheDirectoryShort)
 {
     fs::create_directories(dir + "/a.shp.d");
-    answerWith(dir + "/a.shp.d/a.shp");
-    setResult({square(0, 0, 10)});
-    setValues("WINDPWRD", {300});
-    SaveTrackingLayer();
+    setResult({square(0, 0, 10)}, "WINDPWRD", {300});
+    saveAs("a.shp.d/a.shp");
     EXPECT_TRUE(recorder().boxes.empty());
     EXPECT_TRUE(readBack(dir + "/a.shp").opened);
     EXPECT_TRUE(filesIn(dir + "/a.shp.d").empty());
 
     // Another four-character ending is cut like ".shp".
-    answerWith(dir + "/plain.txt");
-    SaveTrackingLayer();
+    saveAs("plain.txt");
     EXPECT_EQ(readBack(dir + "/plain.shp").values, std::vector<double>{300});
 }
 
 TEST_F(SaveTest, ReplacesAnExistingSetAsAWhole)
 {
-    const std::string old = dir + "/r.shp";
-    datagen::writeShapefile(old, datagen::GeomKind::Point, {{"NAME", 'C'}, {"POP", 'I'}},
+    datagen::writeShapefile(dir + "/r.shp", datagen::GeomKind::Point, {{"NAME", 'C'}, {"POP", 'I'}},
                             {{"POINT(1 1)", {std::string("a"), 1LL}}, {"POINT(2 2)", {std::string("b"), 2LL}}}, true);
-    { std::ofstream(dir + "/r.cpg") << "STALE"; }
-    { std::ofstream(dir + "/r.txt") << "neighbour"; }
+    std::ofstream(dir + "/r.cpg") << "STALE";
+    std::ofstream(dir + "/r.txt") << "neighbour";
     datagen::writeShapefile(dir + "/r2.shp", datagen::GeomKind::Point, {{"NAME", 'C'}},
                             {{"POINT(1 1)", {std::string("keep")}}}, true);
     const std::string neighbourDbf = slurp(dir + "/r2.dbf");
 
-    setResult({square(0, 0, 10)});
-    setValues("ANNDIR", {6.5});  // no solar layer loaded: no projection
-    answerWith(old);
-    SaveTrackingLayer();
+    setResult({square(0, 0, 10)}, "ANNDIR", {6.5});  // no solar layer loaded: no projection
+    saveAs("r.shp");
 
     EXPECT_TRUE(recorder().boxes.empty());
-    const Saved s = readBack(old);
-    ASSERT_TRUE(s.opened);
+    const Saved s = readBack(dir + "/r.shp");
     EXPECT_EQ(s.geomType, int(wkbPolygon));
-    EXPECT_EQ(s.fieldNames, std::vector<std::string>{"ANNDIR"});
+    EXPECT_EQ(s.fields, "ANNDIR Real 15.1");
     EXPECT_EQ(s.values, std::vector<double>{6.5});
     EXPECT_FALSE(fs::exists(dir + "/r.prj"));
     EXPECT_TRUE(!fs::exists(dir + "/r.cpg") || slurp(dir + "/r.cpg") != "STALE");
@@ -359,14 +304,12 @@ TEST_F(SaveTest, ReplacesAnExistingSetAsAWhole)
 // nothing else on disk changes.
 TEST_F(SaveTest, UnwritableTargetsEndWithTheFailureText)
 {
-    setResult({square(0, 0, 10), square(50, 0, 10)});
-    setValues("WINDPWRD", {200, 300});
+    setResult({square(0, 0, 10), square(50, 0, 10)}, "WINDPWRD", {200, 300});
 
     // The name is taken by a directory.
     fs::create_directories(dir + "/busy.shp");
-    { std::ofstream(dir + "/busy.shp/inside.txt") << "x"; }
-    answerWith(dir + "/busy.shp");
-    SaveTrackingLayer();
+    std::ofstream(dir + "/busy.shp/inside.txt") << "x";
+    saveAs("busy.shp");
     EXPECT_EQ(recorder().texts(), QStringList{kFailure});
     EXPECT_EQ(slurp(dir + "/busy.shp/inside.txt"), "x");
     EXPECT_EQ(filesIn(dir), std::set<std::string>{"busy.shp"});
@@ -374,70 +317,50 @@ TEST_F(SaveTest, UnwritableTargetsEndWithTheFailureText)
 
     // A directory part that is a regular file: the connection is refused,
     // which the save takes as a stop, and the file is not touched.
-    { std::ofstream(dir + "/file") << "content"; }
+    std::ofstream(dir + "/file") << "content";
     const std::set<std::string> before = filesIn(dir);
-    answerWith(dir + "/file/x.shp");
-    SaveTrackingLayer();
+    saveAs("file/x.shp");
     EXPECT_TRUE(recorder().boxes.empty());
     EXPECT_EQ(slurp(dir + "/file"), "content");
     EXPECT_EQ(filesIn(dir), before);
-}
 
-TEST_F(SaveTest, ReadOnlyDirectory)
-{
-    if (geteuid() == 0) GTEST_SKIP() << "permissions do not bind root; covered by UnwritableTargetsEndWithTheFailureText";
-    const std::string ro = dir + "/ro";
-    fs::create_directories(ro);
-    fs::permissions(ro, fs::perms::owner_read | fs::perms::owner_exec);
-    setResult({square(0, 0, 10)});
-    setValues("WINDPWRD", {200});
-    answerWith(ro + "/x.shp");
-    SaveTrackingLayer();
-    fs::permissions(ro, fs::perms::owner_all);
-    EXPECT_EQ(recorder().texts(), QStringList{kFailure});
-    EXPECT_TRUE(filesIn(ro).empty());
-}
-
-// "Best solar off-grid systems" leaves the values and field of the query
-// before it beside its own shapes.
-TEST_F(SaveTest, AfterTheOffGridQueryTheValuesOfTheQueryBeforeAreUsed)
-{
-    setValues("WINDPWRD", {200, 300, 400, 500});
-    setResult({square(0, 0, 10), square(50, 0, 20)});
-    answerWith(dir + "/stale.shp");
-    SaveTrackingLayer();
-    EXPECT_TRUE(recorder().boxes.empty());
-    const Saved s = readBack(dir + "/stale.shp");
-    EXPECT_EQ(s.fieldNames, std::vector<std::string>{"WINDPWRD"});
-    EXPECT_EQ(s.values, (std::vector<double>{200, 300}));
-
-    // Fewer values than shapes: the record without a value fails.
-    setValues("WINDPWRD", {200});
-    answerWith(dir + "/short.shp");
-    SaveTrackingLayer();
+    // Fewer values than shapes, as after the off-grid query: the record without a value fails.
+    setResult({square(0, 0, 10), square(50, 0, 20)}, "WINDPWRD", {200});
+    saveAs("short.shp");
     EXPECT_EQ(recorder().texts(), QStringList{kFailure});
     recorder().clear();
 
-    // No query before it at all: no field name, so nothing is written.
-    cFieldValues.reset();
-    sFieldName.clear();
-    answerWith(dir + "/none.shp");
-    SaveTrackingLayer();
+    if (geteuid() == 0) return;  // permissions do not bind root
+    fs::create_directories(dir + "/ro");
+    fs::permissions(dir + "/ro", fs::perms::owner_read | fs::perms::owner_exec);
+    saveAs("ro/x.shp");
+    fs::permissions(dir + "/ro", fs::perms::owner_all);
+    EXPECT_EQ(recorder().texts(), QStringList{kFailure});
+    EXPECT_TRUE(filesIn(dir + "/ro").empty());
+}
+
+// "Best solar off-grid systems" leaves the values and field of the query
+// before it beside its own shapes: the first values are written.
+TEST_F(SaveTest, AfterTheOffGridQueryTheValuesOfTheQueryBeforeAreUsed)
+{
+    setResult({square(0, 0, 10), square(50, 0, 20)}, "WINDPWRD", {200, 300, 400, 500});
+    saveAs("stale.shp");
     EXPECT_TRUE(recorder().boxes.empty());
-    EXPECT_FALSE(fs::exists(dir + "/none.shp"));
+    const Saved s = readBack(dir + "/stale.shp");
+    EXPECT_EQ(s.fields, "WINDPWRD Real 15.1");
+    EXPECT_EQ(s.values, (std::vector<double>{200, 300}));
 }
 
 TEST_F(SaveTest, MenuEntriesOfTheMainWindow)
 {
-    setResult({square(0, 0, 10)});
-    setValues("WINDPWRD", {200});
-    answerWith(dir + "/menu.shp");
+    setResult({square(0, 0, 10)}, "WINDPWRD", {200});
+    recorder().files.push_back(fileAnswer(QString::fromStdString(dir + "/menu.shp")));
     frmMain().mnuSave_Click();
     EXPECT_TRUE(readBack(dir + "/menu.shp").opened);
 
     // Save As only opens the dialog; it writes nothing.
     recorder().clear();
-    answerWith(dir + "/as.shp");
+    recorder().files.push_back(fileAnswer(QString::fromStdString(dir + "/as.shp")));
     frmMain().mnuSaveAs_Click();
     ASSERT_EQ(recorder().fileRequests.size(), 1u);
     EXPECT_TRUE(recorder().fileRequests[0].save);
