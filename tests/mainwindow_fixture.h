@@ -3,8 +3,8 @@
 // a fresh main form per case and small hand-made shapefiles.
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <gtest/gtest.h>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -36,38 +36,26 @@ inline void writeFeatures(const std::string& path, int n, datagen::GeomKind kind
 {
     std::vector<datagen::FeatureSpec> features;
     for (int i = 0; i < n; ++i) {
-        const double x = 1000.0 * i, y = 0;
+        auto pt = [](double x, double y) { return std::to_string(x) + " " + std::to_string(y); };
+        const double x = 1000.0 * i;
         std::string wkt;
-        switch (kind) {
-        case datagen::GeomKind::Polygon:
-            wkt = "POLYGON((" + std::to_string(x) + " " + std::to_string(y) + "," + std::to_string(x + 800) + " "
-                  + std::to_string(y) + "," + std::to_string(x + 800) + " " + std::to_string(y + 800) + ","
-                  + std::to_string(x) + " " + std::to_string(y + 800) + "," + std::to_string(x) + " "
-                  + std::to_string(y) + "))";
-            break;
-        case datagen::GeomKind::Line:
-            wkt = "LINESTRING(" + std::to_string(x) + " " + std::to_string(y) + "," + std::to_string(x + 800) + " "
-                  + std::to_string(y + 800) + ")";
-            break;
-        case datagen::GeomKind::Point:
-            wkt = "POINT(" + std::to_string(x + 400) + " " + std::to_string(y + 400) + ")";
-            break;
-        }
-        features.push_back({wkt, {static_cast<long long>(i), std::string("F") + std::to_string(i)}});
+        if (kind == datagen::GeomKind::Polygon)
+            wkt = "POLYGON((" + pt(x, 0) + "," + pt(x + 800, 0) + "," + pt(x + 800, 800) + "," + pt(x, 800) + ","
+                  + pt(x, 0) + "))";
+        else if (kind == datagen::GeomKind::Line)
+            wkt = "LINESTRING(" + pt(x, 0) + "," + pt(x + 800, 800) + ")";
+        else
+            wkt = "POINT(" + pt(x + 400, 400) + ")";
+        features.push_back({wkt, {static_cast<long long>(i), "F" + std::to_string(i)}});
     }
     datagen::writeShapefile(path, kind, {{"ID", 'I'}, {"NAME", 'C', 20}}, features, withPrj);
 }
 
-// Copies the files of one shapefile (every extension) under a new base name.
-inline void copyShapefile(const QString& fromDir, const QString& baseName, const QString& toDir,
-                          const QString& newBase = QString())
+// Same, into a directory given as a QString.
+inline void writeFeaturesIn(const QString& dir, const QString& file, int n,
+                            datagen::GeomKind kind = datagen::GeomKind::Polygon)
 {
-    QDir from(fromDir);
-    const QStringList parts = from.entryList({baseName + ".*"}, QDir::Files);
-    for (const QString& part : parts) {
-        const QString ext = part.mid(baseName.size());
-        QFile::copy(from.filePath(part), QDir(toDir).filePath((newBase.isEmpty() ? baseName : newBase) + ext));
-    }
+    writeFeatures(QDir(dir).filePath(file).toStdString(), n, kind);
 }
 
 // A copy of a generated dataset, for cases that add or remove files.
@@ -93,5 +81,9 @@ inline QStringList tags(const Map* map)
     for (const MapLayerPtr& l : map->Layers()) out << l->Tag;
     return out;
 }
+
+// The texts of the boxes shown so far, for failure output.
+inline std::string boxTexts() { return testsupport::recorder().texts().join("|").toStdString(); }
+#define EXPECT_NO_BOXES() EXPECT_TRUE(testsupport::recorder().boxes.empty()) << fixture::boxTexts()
 
 }  // namespace fixture
