@@ -36,7 +36,14 @@ std::string box(double x0, double y0, double x1, double y1)
            + "," + num(x0) + " " + num(y1) + "," + num(x0) + " " + num(y0) + "))";
 }
 
+std::string line(double x0, double y0, double x1, double y1)
+{
+    return "LINESTRING(" + num(x0) + " " + num(y0) + "," + num(x1) + " " + num(y1) + ")";
+}
+
 std::string pointAt(double x, double y) { return "POINT(" + num(x) + " " + num(y) + ")"; }
+
+datagen::AttrValue txt(const char* s) { return std::string(s); }
 
 // The .dbf writer refuses two names that differ only in case, so the second
 // one is given its final spelling in the header afterwards.
@@ -59,12 +66,14 @@ protected:
         UnloadFrmInfo();
         map().Layers().Clear();
         dir = testsupport::tempDir(::testing::UnitTest::GetInstance()->current_test_info()->name());
-        view = Rectangle(0, 0, 100000, 100000);
         map().setExtent(view);
         tx = map().Width() / 2;
         ty = map().Height() / 2;
         ASSERT_GT(tx, 1000) << "the map control is too small for these cases";
         p = map().ToMapPoint(float(tx), float(ty));
+        x = p->X();
+        y = p->Y();
+        around = box(x - 50, y - 50, x + 50, y + 50);
     }
     void TearDown() override
     {
@@ -74,21 +83,14 @@ protected:
 
     static Map& map() { return *frmMain().Map1; }
 
+    // Adds the layer on top and puts the view back where the press point was taken.
     MapLayerPtr addLayer(const QString& tag, GeomKind kind, const std::vector<FieldSpec>& fields,
-                         const std::vector<FeatureSpec>& features, const QString& name = {})
+                         const std::vector<FeatureSpec>& features, const QString& name = {},
+                         const std::vector<std::pair<int, std::string>>& renames = {})
     {
         const std::string path = dir + "/l" + std::to_string(files++) + ".shp";
         datagen::writeShapefile(path, kind, fields, features, false);
-        if (!renames.empty()) {
-            std::string dbf = path.substr(0, path.size() - 4) + ".dbf";
-            for (auto& [i, n] : renames) renameDbfField(dbf, i, n);
-            renames.clear();
-        }
-        return addLayerFrom(path, tag, name);
-    }
-
-    MapLayerPtr addLayerFrom(const std::string& path, const QString& tag, const QString& name)
-    {
+        for (auto& [i, n] : renames) renameDbfField(path.substr(0, path.size() - 4) + ".dbf", i, n);
         auto ds = GeoDataset::open(QString::fromStdString(path));
         EXPECT_TRUE(ds) << path;
         auto layer = std::make_shared<MapLayer>();
@@ -96,63 +98,44 @@ protected:
         layer->Tag = tag;
         layer->Name = name.isEmpty() ? tag : name;
         map().Layers().Add(layer);
+        map().setExtent(view);
         return layer;
     }
 
-    // Puts the view back where the click point was taken, after the layers
-    // have been added.
-    void settle(const Rectangle& r)
-    {
-        map().setExtent(r);
-        if (r.Left == view.Left && r.Right == view.Right && r.Bottom == view.Bottom && r.Top == view.Top) {
-            PointPtr q = map().ToMapPoint(float(tx), float(ty));
-            ASSERT_EQ(q->X(), p->X());
-            ASSERT_EQ(q->Y(), p->Y());
-        }
-    }
-
-    // A press at the control's centre, as Map1_MouseDown leaves it.
-    QString identify()
+    // The press position as Map1_MouseDown leaves it: the control's centre.
+    void pressAtCentre()
     {
         frmMain().iDownX = int16_t(tx);
         frmMain().iDownY = int16_t(ty);
+    }
+
+    QString identify()
+    {
+        pressAtCentre();
         frmInfo().Form_Activate();
         return frmInfo().txtInfo->Text();
     }
 
     std::string dir;
-    Rectangle view;
-    int tx = 0, ty = 0;
+    const Rectangle view{0, 0, 100000, 100000};
+    int tx = 0, ty = 0, files = 0;
     PointPtr p;
-    int files = 0;
-    std::vector<std::pair<int, std::string>> renames;
+    double x = 0, y = 0;
+    std::string around;  // a square about the press point
 };
 
 // --- the search ---------------------------------------------------------
 
 TEST_F(InfoTest, PolygonMustContainOrTouchThePoint)
 {
-    const double x = p->X(), y = p->Y();
     addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}},
-             {
-                 {box(x - 100, y - 100, x + 100, y + 100), {std::string("inside")}},
-                 {box(x, y - 100, x + 200, y + 100), {std::string("edge")}},
-                 {box(x + 0.001, y - 100, x + 200, y + 100), {std::string("just outside")}},
-                 {box(x - 300, y - 300, x - 0.001, y - 0.001), {std::string("corner outside")}},
-             },
+             {{box(x - 100, y - 100, x + 100, y + 100), {txt("inside")}},
+              {box(x, y - 100, x + 200, y + 100), {txt("edge")}},
+              {box(x + 0.001, y - 100, x + 200, y + 100), {txt("just outside")}},
+              {box(x - 300, y - 300, x - 0.001, y - 0.001), {txt("corner outside")}}},
              "Lakes");
-    settle(view);
     EXPECT_EQ(identify(), "Lakes\r\nName: inside\r\n\r\nName: edge\r\n\r\n\r\n");
-    EXPECT_TRUE(recorder().boxes.empty());
-}
-
-TEST_F(InfoTest, NothingFoundGivesAnEmptyTextAndNoMessage)
-{
-    addLayer("30_lakes.shp", GeomKind::Polygon, {{"NAME", 'C'}},
-             {{box(p->X() + 10, p->Y() + 10, p->X() + 20, p->Y() + 20), {std::string("far")}}});
-    settle(view);
-    frmInfo().txtInfo->setText("old text");
-    EXPECT_EQ(identify(), "");
+    EXPECT_EQ(IdentifyTextAt(x + 150, y - 150), "") << "nothing found replaces the old text";
     EXPECT_TRUE(recorder().boxes.empty());
 }
 
@@ -160,53 +143,45 @@ TEST_F(InfoTest, NothingFoundGivesAnEmptyTextAndNoMessage)
 // same place is found at a small scale and missed at a larger one.
 TEST_F(InfoTest, PointsAndLinesWithinTheToleranceOfTheExtent)
 {
-    const Rectangle wide = view;
     Rectangle narrow = view;
     narrow.ScaleRectangle(0.5);
-    map().setExtent(wide);
     const double tolWide = map().Extent()->Width() / 300;
     map().setExtent(narrow);
     const double tolNarrow = map().Extent()->Width() / 300;
     ASSERT_NEAR(tolNarrow, tolWide / 2, tolWide * 1e-6);
 
-    const double x = p->X(), y = p->Y();
     const double near = 0.5 * tolNarrow, middle = (tolWide + tolNarrow) / 2, far = 1.5 * tolWide;
     addLayer("53_airports.shp", GeomKind::Point, {{"NAME", 'C'}},
-             {{pointAt(x + near, y), {std::string("near")}},
-              {pointAt(x, y - middle), {std::string("middle")}},
-              {pointAt(x - far, y), {std::string("far")}}},
+             {{pointAt(x + near, y), {txt("near")}},
+              {pointAt(x, y - middle), {txt("middle")}},
+              {pointAt(x - far, y), {txt("far")}}},
              "Airports");
     addLayer("43_roads.shp", GeomKind::Line, {{"NAME", 'C'}},
-             {{"LINESTRING(" + num(x - 500) + " " + num(y + middle) + "," + num(x + 500) + " " + num(y + middle) + ")",
-               {std::string("middle road")}},
-              {"LINESTRING(" + num(x + far) + " " + num(y - 500) + "," + num(x + far) + " " + num(y + 500) + ")",
-               {std::string("far road")}}},
+             {{line(x - 500, y + middle, x + 500, y + middle), {txt("middle road")}},
+              {line(x + far, y - 500, x + far, y + 500), {txt("far road")}}},
              "Roads");
 
     // The narrow view is centred where the wide one is, so the press at the
     // control's centre is the same map point in both.
-    settle(view);
     EXPECT_EQ(IdentifyTextAt(x, y),
               "Roads\r\nNAME: middle road\r\n\r\n\r\nAirports\r\nNAME: near\r\n\r\nNAME: middle\r\n\r\n\r\n");
+    EXPECT_EQ(frmMain().iDownX, tx);
+    EXPECT_EQ(frmMain().iDownY, ty);
     map().setExtent(narrow);
     EXPECT_EQ(IdentifyTextAt(x, y), "Airports\r\nNAME: near\r\n\r\n\r\n");
 }
 
 TEST_F(InfoTest, HiddenLayersAndTheCountryBoundaryAreNeverListed)
 {
-    const std::string around = box(p->X() - 50, p->Y() - 50, p->X() + 50, p->Y() + 50);
-    addLayer("39_countryboundary.shp", GeomKind::Polygon, {{"NAME", 'C'}}, {{around, {std::string("Land")}}});
-    addLayer("39_COUNTRYBOUNDARY.SHP", GeomKind::Polygon, {{"NAME", 'C'}}, {{around, {std::string("Land")}}});
-    addLayer("30_lakes.shp", GeomKind::Polygon, {{"NAME", 'C'}}, {{around, {std::string("Hidden lake")}}}, "Lakes")
-        ->Visible = false;
-    addLayer("40_rivers.shp", GeomKind::Line, {{"NAME", 'C'}},
-             {{"LINESTRING(" + num(p->X() - 9) + " " + num(p->Y()) + "," + num(p->X() + 9) + " " + num(p->Y()) + ")",
-               {std::string("Hidden river")}}},
+    addLayer("39_countryboundary.shp", GeomKind::Polygon, {{"NAME", 'C'}}, {{around, {txt("Land")}}});
+    addLayer("39_COUNTRYBOUNDARY.SHP", GeomKind::Polygon, {{"NAME", 'C'}}, {{around, {txt("Land")}}});
+    addLayer("30_lakes.shp", GeomKind::Polygon, {{"NAME", 'C'}}, {{around, {txt("Hidden lake")}}}, "Lakes")->Visible =
+        false;
+    addLayer("40_rivers.shp", GeomKind::Line, {{"NAME", 'C'}}, {{line(x - 9, y, x + 9, y), {txt("Hidden river")}}},
              "Rivers")
         ->Visible = false;
     addLayer("31_protectedarea.shp", GeomKind::Polygon, {{"NAME", 'C'}, {"TYPE", 'C'}},
-             {{around, {std::string("Park"), std::string("national")}}}, "Protected Areas");
-    settle(view);
+             {{around, {txt("Park"), txt("national")}}}, "Protected Areas");
     EXPECT_EQ(identify(), "Protected Areas\r\nNAME : PARK\r\nTYPE : NATIONAL\r\n\r\n\r\n");
 }
 
@@ -214,14 +189,12 @@ TEST_F(InfoTest, HiddenLayersAndTheCountryBoundaryAreNeverListed)
 
 TEST_F(InfoTest, SortedLayersFollowTheirListNotTheTable)
 {
-    const std::string around = box(p->X() - 50, p->Y() - 50, p->X() + 50, p->Y() + 50);
     addLayer("59_cities.shp", GeomKind::Polygon, {{"POP", 'I'}, {"EXTRA", 'C'}, {"TYPE", 'C'}, {"NAME", 'C'}},
-             {{around, {12000LL, std::string("x"), std::string("capital"), std::string("  Old town")}},
-              {around, {7LL, std::string("y"), std::string("village"), std::string("Ash")}}},
+             {{around, {12000LL, txt("x"), txt("capital"), txt("  Old town")}},
+              {around, {7LL, txt("y"), txt("village"), txt("Ash")}}},
              "Cities");
     addLayer("20_wind.shp", GeomKind::Polygon, {{"WINDPWRD", 'N', 10, 1}, {"OTHER", 'I'}, {"WINDCLASS", 'I'}},
              {{around, {400.0, 9LL, 4LL}}}, "Wind Power Density (W/m2)");
-    settle(view);
     EXPECT_EQ(identify(),
               "Wind Power Density (W/m2)\r\n"
               "WINDCLASS : 4\r\nWINDPWRD : 400\r\n\r\n\r\n"
@@ -230,22 +203,13 @@ TEST_F(InfoTest, SortedLayersFollowTheirListNotTheTable)
               "NAME : ASH\r\nTYPE : VILLAGE\r\nPOP : 7\r\n\r\n\r\n");
 }
 
-TEST_F(InfoTest, PlainLayersKeepTableOrderSpellingAndValues)
-{
-    const std::string around = box(p->X() - 50, p->Y() - 50, p->X() + 50, p->Y() + 50);
-    addLayer("02_landuse.shp", GeomKind::Polygon, {{"AREA", 'N', 12, 2}, {"Land_Use", 'C'}},
-             {{around, {3.5, std::string("  mixed Forest")}}}, "Land Use");
-    settle(view);
-    EXPECT_EQ(identify(), "Land Use\r\nLand_Use:   mixed Forest\r\n\r\n\r\n");
-}
-
 TEST_F(InfoTest, SolarListsAreChosenByTheWholeTagAndEndWithTheYear)
 {
-    const std::string around = box(p->X() - 50, p->Y() - 50, p->X() + 50, p->Y() + 50);
     std::vector<FieldSpec> fields{{"Annglo", 'N', 8, 2}, {"Anndir", 'N', 8, 2}};
     std::vector<datagen::AttrValue> values{5.25, 6.5};
-    for (const char* m : {"Dec", "Nov", "Oct", "Sep", "Aug", "Jul", "Jun", "May", "Apr", "Mar", "Feb", "Jan"}) {
-        fields.push_back({std::string(m) + "glo", 'N', 8, 2});
+    const char* months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    for (int m = 11; m >= 0; --m) {
+        fields.push_back({std::string(months[m]) + "glo", 'N', 8, 2});
         values.push_back(1.5);
     }
     for (const char* f : {"Lat", "Lon", "Gridcode", "Cell_ID"}) {
@@ -254,50 +218,36 @@ TEST_F(InfoTest, SolarListsAreChosenByTheWholeTagAndEndWithTheYear)
     }
     addLayer("15_solar_glo.shp", GeomKind::Polygon, fields, {{around, values}}, "glo");
     addLayer("15_solar_direct.shp", GeomKind::Polygon, fields, {{around, values}}, "dir");
-    settle(view);
 
-    QString glo = "glo\r\nCELL_ID : 2\r\nGRIDCODE : 2\r\nLON : 2\r\nLAT : 2\r\n";
-    for (const char* m : {"JAN", "FEB", "MAR", "APR", "MAY", "JUN", "JUL", "AUG", "SEP", "OCT", "NOV", "DEC"})
-        glo += QString(m) + "GLO : 1.5\r\n";
-    glo += "ANNGLO : 5.25\r\n\r\n\r\n";
-    const QString dir = "dir\r\nCELL_ID : 2\r\nGRIDCODE : 2\r\nLON : 2\r\nLAT : 2\r\nANNDIR : 6.5\r\n\r\n\r\n";
-    EXPECT_EQ(identify(), dir + glo);
-    EXPECT_EQ(glo.count("\r\n") - 3, 17);
+    const QString head = "\r\nCELL_ID : 2\r\nGRIDCODE : 2\r\nLON : 2\r\nLAT : 2\r\n";
+    QString glo = "glo" + head;
+    for (const char* m : months) glo += QString(m).toUpper() + "GLO : 1.5\r\n";
+    EXPECT_EQ(identify(), "dir" + head + "ANNDIR : 6.5\r\n\r\n\r\n" + glo + "ANNGLO : 5.25\r\n\r\n\r\n");
 }
 
-TEST_F(InfoTest, MissingListedFieldsAreLeftOutWithoutPlaceholder)
+// Layers without a list (a Tag differing in case from the table has none)
+// show their name and blank lines; listed fields a table lacks are left out;
+// plain layers keep the table's order, spelling and values.
+TEST_F(InfoTest, PlainUnlistedAndIncompleteLayers)
 {
-    const std::string around = box(p->X() - 50, p->Y() - 50, p->X() + 50, p->Y() + 50);
-    addLayer("52_facilities.shp", GeomKind::Point, {{"NAME", 'C'}}, {{pointAt(p->X(), p->Y()), {std::string("Depot")}}},
-             "Facilities");
-    addLayer("51_powerplant.shp", GeomKind::Polygon, {{"OWNER", 'C'}}, {{around, {std::string("state")}}},
-             "Power Plants");
-    settle(view);
-    EXPECT_EQ(identify(), "Power Plants\r\n\r\n\r\nFacilities\r\nNAME : DEPOT\r\n\r\n\r\n");
-}
-
-TEST_F(InfoTest, LayersWithoutAListShowTheirNameAndBlankLines)
-{
-    const std::string around = box(p->X() - 50, p->Y() - 50, p->X() + 50, p->Y() + 50);
-    addLayer("21_wind.shp", GeomKind::Polygon, {{"WINDPWRD", 'N', 10, 1}}, {{around, {200.0}}, {around, {300.0}}},
-             "l0");
-    // A Tag that differs in case from the table has no list either.
-    addLayer("20_WIND.SHP", GeomKind::Polygon, {{"WINDPWRD", 'N', 10, 1}, {"WINDCLASS", 'I'}},
-             {{around, {200.0, 2LL}}}, "Upper wind");
-    settle(view);
-    EXPECT_EQ(identify(), "Upper wind\r\n\r\n\r\nl0\r\n\r\n\r\n\r\n");
+    addLayer("02_landuse.shp", GeomKind::Polygon, {{"AREA", 'N', 12, 2}, {"Land_Use", 'C'}},
+             {{around, {3.5, txt("  mixed Forest")}}}, "Land Use");
+    addLayer("21_wind.shp", GeomKind::Polygon, {{"WINDPWRD", 'N', 10, 1}}, {{around, {200.0}}, {around, {300.0}}}, "l0");
+    addLayer("20_WIND.SHP", GeomKind::Polygon, {{"WINDPWRD", 'N', 10, 1}, {"WINDCLASS", 'I'}}, {{around, {200.0, 2LL}}},
+             "Upper wind");
+    addLayer("52_facilities.shp", GeomKind::Point, {{"NAME", 'C'}}, {{pointAt(x, y), {txt("Depot")}}}, "Facilities");
+    addLayer("51_powerplant.shp", GeomKind::Polygon, {{"OWNER", 'C'}}, {{around, {txt("state")}}}, "Power Plants");
+    EXPECT_EQ(identify(), "Power Plants\r\n\r\n\r\nFacilities\r\nNAME : DEPOT\r\n\r\n\r\n"
+                          "Upper wind\r\n\r\n\r\nl0\r\n\r\n\r\n\r\n"
+                          "Land Use\r\nLand_Use:   mixed Forest\r\n\r\n\r\n");
 }
 
 TEST_F(InfoTest, FieldsDifferingOnlyInCaseInBothFormats)
 {
-    const std::string around = box(p->X() - 50, p->Y() - 50, p->X() + 50, p->Y() + 50);
-    renames = {{1, "NAME"}};
-    addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}, {"NAMX", 'C'}},
-             {{around, {std::string("first"), std::string("second")}}}, "Lakes");
-    renames = {{2, "NAME"}};
+    addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}, {"NAMX", 'C'}}, {{around, {txt("first"), txt("second")}}},
+             "Lakes", {{1, "NAME"}});
     addLayer("31_protectedarea.shp", GeomKind::Polygon, {{"TYPE", 'C'}, {"Name", 'C'}, {"NAMX", 'C'}},
-             {{around, {std::string("park"), std::string("first"), std::string("second")}}}, "Protected Areas");
-    settle(view);
+             {{around, {txt("park"), txt("first"), txt("second")}}}, "Protected Areas", {{2, "NAME"}});
     EXPECT_EQ(identify(),
               "Protected Areas\r\nNAME : FIRST\r\nTYPE : PARK\r\n\r\n\r\n"
               "Lakes\r\nName: first\r\nNAME: second\r\n\r\n\r\n");
@@ -309,39 +259,22 @@ TEST(InfoFilter, IsShowValueByTagAndField)
 {
     struct Case { const char* tag; const char* field; bool shown; int sorted; };  // sorted -1: left alone
     const Case cases[] = {
-        {"01_elevation.shp", "ELEV_M", true, 0},
-        {"02_landuse.shp", "LAND_USE", true, 0},
-        {"02_landuse.shp", "AREA", false, 0},
-        {"11_solar_direct.shp", "ANNDIR", true, 1},
-        {"13_solar_direct.shp", "CELL_ID", true, 1},
-        {"15_solar_direct.shp", "ANNDIR", true, 1},
-        {"15_solar_direct.shp", "ANNGLO", false, 1},
-        {"15_solar_glo.shp", "ANNGLO", true, 1},
-        {"15_solar_glo.shp", "JANDIR", false, 1},
-        {"16_solar_tilt.shp", "DECTILT", true, 1},
-        {"17_solar_direct.shp", "GRIDCODE", true, 1},
-        {"18_solar_tilt.shp", "ANNTILT", true, 1},
-        {"14_solar_glo.shp", "LAT", true, 1},
-        {"12_solar_tilt.shp", "ANNDIR", false, 1},
-        {"20_wind.shp", "WINDCLASS", true, 1},
-        {"20_wind.shp", "windpwrd", true, 1},
-        {"30_lakes.shp", "NAME", true, 0},
-        {"31_protectedarea.shp", "TYPE", true, 1},
-        {"36_subcountrybnd3.shp", "POP", true, 1},
-        {"38_subcountrybnd1.shp", "NAME", true, 1},
-        {"40_rivers.shp", "NAME", true, 0},
-        {"42_railroad.shp", "NAME", true, 0},
-        {"44_transmissionline.shp", "VOLTAGE", true, 1},
-        {"51_powerplant.shp", "CAPACITY", true, 1},
-        {"52_facilities.shp", "TYPE", true, 1},
-        {"53_airports.shp", "NAME", true, 0},
-        {"53_airports.shp", "TYPE", false, 0},
-        {"59_cities.shp", "POP", true, 1},
-        {"59_cities.shp", "FEATUREID", false, 1},
-        {"20_WIND.SHP", "WINDPWRD", false, -1},
-        {"21_wind.shp", "WINDPWRD", false, -1},
-        {"50_protectedarea.shp", "NAME", false, -1},
-        {"39_countryboundary.shp", "NAME", false, -1},
+        {"01_elevation.shp", "ELEV_M", true, 0},        {"02_landuse.shp", "LAND_USE", true, 0},
+        {"02_landuse.shp", "AREA", false, 0},           {"11_solar_direct.shp", "ANNDIR", true, 1},
+        {"13_solar_direct.shp", "CELL_ID", true, 1},    {"15_solar_direct.shp", "ANNGLO", false, 1},
+        {"15_solar_glo.shp", "ANNGLO", true, 1},        {"15_solar_glo.shp", "JANDIR", false, 1},
+        {"16_solar_tilt.shp", "DECTILT", true, 1},      {"17_solar_direct.shp", "GRIDCODE", true, 1},
+        {"18_solar_tilt.shp", "ANNTILT", true, 1},      {"14_solar_glo.shp", "LAT", true, 1},
+        {"12_solar_tilt.shp", "ANNDIR", false, 1},      {"20_wind.shp", "WINDCLASS", true, 1},
+        {"20_wind.shp", "windpwrd", true, 1},           {"30_lakes.shp", "NAME", true, 0},
+        {"31_protectedarea.shp", "TYPE", true, 1},      {"36_subcountrybnd3.shp", "POP", true, 1},
+        {"38_subcountrybnd1.shp", "NAME", true, 1},     {"40_rivers.shp", "NAME", true, 0},
+        {"42_railroad.shp", "NAME", true, 0},           {"44_transmissionline.shp", "VOLTAGE", true, 1},
+        {"51_powerplant.shp", "CAPACITY", true, 1},     {"52_facilities.shp", "TYPE", true, 1},
+        {"53_airports.shp", "NAME", true, 0},           {"53_airports.shp", "TYPE", false, 0},
+        {"59_cities.shp", "POP", true, 1},              {"59_cities.shp", "FEATUREID", false, 1},
+        {"20_WIND.SHP", "WINDPWRD", false, -1},         {"21_wind.shp", "WINDPWRD", false, -1},
+        {"50_protectedarea.shp", "NAME", false, -1},    {"39_countryboundary.shp", "NAME", false, -1},
     };
     FrmInfo& f = frmInfo();
     for (const Case& c : cases) {
@@ -368,48 +301,20 @@ TEST(InfoFilter, SortedLinesComeInListOrderFromTheStoredValues)
 
 // --- the window ---------------------------------------------------------
 
-TEST_F(InfoTest, TheWindowAsDesigned)
+TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloads)
 {
-    FrmInfo& f = frmInfo();
-    EXPECT_EQ(f.windowTitle(), "Map Information");
-    EXPECT_EQ(f.txtInfo->Text(), "Information from all layers");
-    EXPECT_EQ(f.OKButton->text(), "OK");
-    const TwipsRect t = Twips(f.txtInfo), o = Twips(f.OKButton);
-    EXPECT_EQ((std::array{t.Left, t.Top, t.Width, t.Height}), (std::array{90, 540, 6825, 8265}));
-    EXPECT_EQ((std::array{o.Left, o.Top, o.Width, o.Height}), (std::array{5700, 60, 1215, 375}));
-    EXPECT_EQ(f.width(), TwipsToPx(6960));
-    EXPECT_EQ(f.height(), TwipsToPx(8865));
-    EXPECT_EQ(f.txtInfo->lineWrapMode(), QPlainTextEdit::NoWrap);
-    EXPECT_EQ(f.parentWidget(), &frmMain());
-    EXPECT_FALSE(f.isModal());
-}
-
-// Activation runs the search every time, with the stored press position: after
-// a zoom in between, the same position is another map point.
-TEST_F(InfoTest, EachActivationSearchesAgainAtTheStoredPosition)
-{
-    addLayer("53_airports.shp", GeomKind::Point, {{"NAME", 'C'}},
-             {{pointAt(p->X(), p->Y()), {std::string("centre")}},
-              {pointAt(p->X() + 20000, p->Y()), {std::string("east")}}},
-             "Airports");
-    settle(view);
-    frmMain().iDownX = int16_t(tx);
-    frmMain().iDownY = int16_t(ty);
-    ShowFrmInfo();
-    FrmInfo* shown = &frmInfo();
-    QEvent activate(QEvent::WindowActivate);
-    QApplication::sendEvent(shown, &activate);
-    EXPECT_EQ(shown->txtInfo->Text(), "Airports\r\nNAME: centre\r\n\r\n\r\n");
-
-    map().setExtent(Rectangle(p->X() - 30000, view.Bottom, p->X() + 70000, view.Top));
-    QApplication::sendEvent(shown, &activate);
-    EXPECT_EQ(shown->txtInfo->Text(), "Airports\r\nNAME: east\r\n\r\n\r\n");
-}
-
-TEST_F(InfoTest, OkClearsAndHidesTheCloseBoxUnloads)
-{
-    ShowFrmInfo();
     FrmInfo* first = &frmInfo();
+    EXPECT_EQ(first->windowTitle(), "Map Information");
+    EXPECT_EQ(first->txtInfo->Text(), "Information from all layers");
+    EXPECT_EQ(first->OKButton->text(), "OK");
+    const TwipsRect t = Twips(first->txtInfo);
+    EXPECT_EQ((std::array{t.Left, t.Top, t.Width, t.Height}), (std::array{90, 540, 6825, 8265}));
+    EXPECT_EQ(first->size(), QSize(TwipsToPx(6960), TwipsToPx(8865)));
+    EXPECT_EQ(first->txtInfo->lineWrapMode(), QPlainTextEdit::NoWrap);
+    EXPECT_EQ(first->parentWidget(), &frmMain());
+    EXPECT_FALSE(first->isModal());
+
+    ShowFrmInfo();
     first->txtInfo->setText("something");
     first->OKButton->click();
     EXPECT_EQ(first->txtInfo->Text(), "");
@@ -422,20 +327,26 @@ TEST_F(InfoTest, OkClearsAndHidesTheCloseBoxUnloads)
     first->close();
     EXPECT_FALSE(frmInfoExists());
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    FrmInfo& second = frmInfo();
-    EXPECT_EQ(second.txtInfo->Text(), "Information from all layers");
+    EXPECT_EQ(frmInfo().txtInfo->Text(), "Information from all layers");
     EXPECT_TRUE(recorder().boxes.empty());
 }
 
-TEST_F(InfoTest, IdentifyTextAtPressesWhereTheMapPointIs)
+// Activation runs the search every time, with the stored press position: after
+// a zoom in between, the same position is another map point.
+TEST_F(InfoTest, EachActivationSearchesAgainAtTheStoredPosition)
 {
-    addLayer("30_lakes.shp", GeomKind::Polygon, {{"NAME", 'C'}},
-             {{box(p->X() - 100, p->Y() - 100, p->X() + 100, p->Y() + 100), {std::string("Blue")}}}, "Lakes");
-    settle(view);
-    EXPECT_EQ(IdentifyTextAt(p->X(), p->Y()), "Lakes\r\nNAME: Blue\r\n\r\n\r\n");
-    EXPECT_EQ(frmMain().iDownX, tx);
-    EXPECT_EQ(frmMain().iDownY, ty);
-    EXPECT_EQ(IdentifyTextAt(p->X() + 150, p->Y()), "");
+    addLayer("53_airports.shp", GeomKind::Point, {{"NAME", 'C'}},
+             {{pointAt(x, y), {txt("centre")}}, {pointAt(x + 20000, y), {txt("east")}}}, "Airports");
+    pressAtCentre();
+    ShowFrmInfo();
+    FrmInfo* shown = &frmInfo();
+    QEvent activate(QEvent::WindowActivate);
+    QApplication::sendEvent(shown, &activate);
+    EXPECT_EQ(shown->txtInfo->Text(), "Airports\r\nNAME: centre\r\n\r\n\r\n");
+
+    map().setExtent(Rectangle(x - 30000, view.Bottom, x + 70000, view.Top));
+    QApplication::sendEvent(shown, &activate);
+    EXPECT_EQ(shown->txtInfo->Text(), "Airports\r\nNAME: east\r\n\r\n\r\n");
 }
 
 // A failure ends the activation with its text; the box keeps what it had.
@@ -449,55 +360,47 @@ TEST_F(InfoTest, FailureKeepsTheTextAndReportsTheActivation)
         GTEST_SKIP() << "the map does not take a layer without a dataset";
     }
     frmInfo().txtInfo->setText("kept");
-    frmMain().iDownX = int16_t(tx);
-    frmMain().iDownY = int16_t(ty);
-    frmInfo().Form_Activate();
+    EXPECT_EQ(identify(), "kept");
     map().Layers().Clear();
-    EXPECT_EQ(frmInfo().txtInfo->Text(), "kept");
     EXPECT_EQ(recorder().texts(),
               QStringList{" Error while Trying to activate Info Form. Error Source:frmInfo.Form_Activate()"});
 }
-
-}  // namespace
-
-namespace {
 
 // Closing one of our own boxes gives the form the focus back; that is no new
 // activation, or a failing search would show its box again and again.
 TEST_F(InfoTest, ReturningFromAModalBoxDoesNotSearchAgain)
 {
-    addLayer("53_airports.shp", GeomKind::Point, {{"NAME", 'C'}}, {{pointAt(p->X(), p->Y()), {std::string("here")}}},
-             "Airports");
-    settle(view);
-    frmMain().iDownX = int16_t(tx);
-    frmMain().iDownY = int16_t(ty);
+    addLayer("53_airports.shp", GeomKind::Point, {{"NAME", 'C'}}, {{pointAt(x, y), {txt("here")}}}, "Airports");
+    pressAtCentre();
     ShowFrmInfo();
     QCoreApplication::processEvents();
     FrmInfo& f = frmInfo();
     if (QApplication::activeWindow() != &f) GTEST_SKIP() << "this platform does not activate windows";
-    EXPECT_EQ(f.txtInfo->Text(), "Airports\r\nNAME: here\r\n\r\n\r\n");
+    const QString found = "Airports\r\nNAME: here\r\n\r\n\r\n";
+    EXPECT_EQ(f.txtInfo->Text(), found);
 
+    auto visit = [&](QWidget& w) {
+        w.show();
+        w.activateWindow();
+        QCoreApplication::processEvents();
+        if (w.isModal()) {
+            ASSERT_EQ(QApplication::activeWindow(), &w);
+            w.close();
+        }
+        f.activateWindow();
+        QCoreApplication::processEvents();
+        ASSERT_EQ(QApplication::activeWindow(), &f);
+    };
     f.txtInfo->setText("marked");
     QWidget box;
     box.setWindowModality(Qt::ApplicationModal);
-    box.show();
-    box.activateWindow();
-    QCoreApplication::processEvents();
-    ASSERT_EQ(QApplication::activeWindow(), &box);
-    box.close();
-    f.activateWindow();
-    QCoreApplication::processEvents();
-    ASSERT_EQ(QApplication::activeWindow(), &f);
+    visit(box);
     EXPECT_EQ(f.txtInfo->Text(), "marked");
 
     // Coming back from a window that is not modal searches again.
     QWidget other;
-    other.show();
-    other.activateWindow();
-    QCoreApplication::processEvents();
-    f.activateWindow();
-    QCoreApplication::processEvents();
-    EXPECT_EQ(f.txtInfo->Text(), "Airports\r\nNAME: here\r\n\r\n\r\n");
+    visit(other);
+    EXPECT_EQ(f.txtInfo->Text(), found);
 }
 
 }  // namespace
