@@ -1,6 +1,7 @@
 #pragma once
-// Shared by the tests of the query run, the results table and the batch tool:
-// a fresh main form, tiny hand-made datasets, and driving the panel as a user.
+// Shared by the tests of the query run, the results table, the overlays and
+// the batch tool: a fresh main form, tiny hand-made datasets, and driving the
+// panel as a user.
 #include <QDir>
 #include <ostream>
 #include <QStringList>
@@ -35,9 +36,10 @@ inline FrmMain& freshMain()
 
 inline std::string rect(double x, double y, double w, double h)
 {
-    auto n = [](double v) { return std::to_string(v); };
-    return "POLYGON((" + n(x) + " " + n(y) + "," + n(x + w) + " " + n(y) + "," + n(x + w) + " " + n(y + h) + "," + n(x) +
-           " " + n(y + h) + "," + n(x) + " " + n(y) + "))";
+    const double xs[] = {x, x + w, x + w, x, x}, ys[] = {y, y, y + h, y + h, y};
+    std::string s = "POLYGON((";
+    for (int i = 0; i < 5; ++i) s += (i ? "," : "") + std::to_string(xs[i]) + " " + std::to_string(ys[i]);
+    return s + "))";
 }
 
 struct Poly {
@@ -70,7 +72,7 @@ inline void writeCity(const std::string& dir)
                             {{"POINT(-50000 -50000)", {std::string("Far")}}});
 }
 
-// Wind polygons of 1 km by 1 km side by side, with these densities.
+// Polygons of 1 km by 1 km side by side, with these values.
 inline std::vector<Poly> windRow(const std::vector<double>& values, double y = 0)
 {
     std::vector<Poly> out;
@@ -86,27 +88,15 @@ inline void load(FrmMain& f, const std::string& dir)
     testsupport::recorder().clear();
 }
 
-inline void selectQuery(FrmMain& f, const QString& name)
+// Chooses an entry of a list the way a user does, raising its Click.
+inline void pick(ComboBox* box, const QString& name)
 {
-    for (int i = 0; i < f.cboSelectQuery->ListCount(); ++i) {
-        if (f.cboSelectQuery->List(i) == name) {
-            f.cboSelectQuery->setListIndex(i);
-            return;
-        }
-    }
-    ADD_FAILURE() << "no query " << name.toStdString();
+    const int i = box->findText(name);
+    if (i < 0) ADD_FAILURE() << "no entry " << name.toStdString();
+    else box->setListIndex(i);
 }
-
-inline void selectResource(FrmMain& f, const QString& name)
-{
-    for (int i = 0; i < f.cboQueryDropDown3->ListCount(); ++i) {
-        if (f.cboQueryDropDown3->List(i) == name) {
-            f.cboQueryDropDown3->setListIndex(i);
-            return;
-        }
-    }
-    ADD_FAILURE() << "no solar resource " << name.toStdString();
-}
+inline void selectQuery(FrmMain& f, const QString& name) { pick(f.cboSelectQuery, name); }
+inline void selectResource(FrmMain& f, const QString& name) { pick(f.cboQueryDropDown3, name); }
 
 inline void setRange(FrmMain& f, const QString& min, const QString& max)
 {
@@ -131,3 +121,41 @@ struct ProgressLog {
 inline int colorAt(const QString& key) { return cSymbols->Item(key)->Color; }
 
 }  // namespace qf
+
+// The range queries, set up as a user would; kept apart from qf so that the
+// names cannot clash with those of files that use only qf.
+namespace qrun {
+
+using namespace qf;
+
+inline const QString kWindQuery = QStringLiteral("Wind by Power Density");
+inline const QString kSolarQuery = QStringLiteral("Best Solar X kWh/m2/day");
+inline const QString kGlobal10 = QStringLiteral("10 km Solar Global Horizontal Annual Average(KWH/M2/DAY)");
+inline const QString kPv10 = QStringLiteral("10 km Solar PV Annual Average(KWH/M2/DAY)");
+
+inline QStringList boxes() { return testsupport::recorder().texts(); }
+
+// A directory with one solar layer of 1 km squares and the far city.
+inline std::string solarDir(const std::string& name, const std::string& file, const std::string& field,
+                            const std::vector<double>& values)
+{
+    const std::string dir = testsupport::tempDir(name);
+    writePolygons(dir, file, field, windRow(values));
+    writeCity(dir);
+    return dir;
+}
+
+// A fresh window with the dataset loaded and the query chosen; a null range is left as it is.
+inline FrmMain& panel(const std::string& dir, const QString& query, const QString& min = {}, const QString& max = {},
+                      const QString& resource = {})
+{
+    FrmMain& f = freshMain();
+    load(f, dir);
+    selectQuery(f, query);
+    if (!resource.isEmpty()) selectResource(f, resource);
+    if (!min.isNull()) setRange(f, min, max);
+    testsupport::recorder().clear();
+    return f;
+}
+
+}  // namespace qrun

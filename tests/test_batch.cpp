@@ -11,7 +11,7 @@
 #include "query_fixture.h"
 #include "results/frmShowQueryData.h"
 
-using namespace qf;
+using namespace qrun;
 
 namespace {
 
@@ -23,10 +23,9 @@ struct BatchRun {
 BatchRun batch(const QStringList& args)
 {
     const QString bin = QStringLiteral(MARLOWAN_BIN_DIR "/marlowan-batch");
-    BatchRun r;
     if (!QFileInfo::exists(bin)) {
         ADD_FAILURE() << "build the marlowan-batch target first";
-        return r;
+        return {};
     }
     QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -34,18 +33,18 @@ BatchRun batch(const QStringList& args)
     p.setProcessEnvironment(env);
     p.start(bin, args);
     p.waitForFinished(-1);
-    r.code = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    r.out = QString::fromUtf8(p.readAllStandardOutput());
-    r.err = QString::fromUtf8(p.readAllStandardError());
-    return r;
+    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
+            QString::fromUtf8(p.readAllStandardError())};
 }
 
-// The window's table as CSV lines, computed in this process.
-QStringList windowTable()
+// The window's table as CSV lines, after pressing Update Map on this panel.
+QStringList windowTable(const std::string& dir, const QString& query, const QString& min, const QString& max,
+                        const QString& resource = {})
 {
-    QStringList lines;
+    panel(dir, query, min, max, resource).cmdUpdateMap->click();
     const auto rows = QueryDataTable();
     if (!rows) return {"failed"};
+    QStringList lines;
     for (const QueryDataRow& r : *rows)
         lines << QString("%1,%2,%3,%4,%5")
                      .arg(RedOf(r.color))
@@ -56,7 +55,7 @@ QStringList windowTable()
     return lines;
 }
 
-QStringList csvLines(const QString& text) { return text.split('\n', Qt::SkipEmptyParts); }
+QStringList lines(const QString& text) { return text.split('\n', Qt::SkipEmptyParts); }
 
 QString q(const std::string& s) { return QString::fromStdString(s); }
 
@@ -65,18 +64,13 @@ QString q(const std::string& s) { return QString::fromStdString(s); }
 TEST(Batch, WindRangeTableEqualsTheWindowsTable)
 {
     const std::string dir = testsupport::dataset("small");
-    const BatchRun r = batch({q(dir), "--query", "Wind by Power Density", "--min", "200", "--max", "Max", "--quiet"});
+    const BatchRun r = batch({q(dir), "--query", kWindQuery, "--min", "200", "--max", "Max", "--quiet"});
     ASSERT_EQ(r.code, 0) << r.err.toStdString();
     EXPECT_FALSE(r.err.contains("Calculating")) << "--quiet keeps progress off stderr";
 
-    FrmMain& f = freshMain();
-    load(f, dir);
-    selectQuery(f, "Wind by Power Density");
-    setRange(f, "200", "Max");
-    f.cmdUpdateMap->click();
-    const QStringList expected = windowTable();
+    const QStringList expected = windowTable(dir, kWindQuery, "200", "Max");
     ASSERT_GE(expected.size(), 5);  // the generated wind data reaches every class from 200
-    EXPECT_EQ(csvLines(r.out), expected);
+    EXPECT_EQ(lines(r.out), expected);
     // Values of exactly 200 and 800 lie in the data: their classes are there.
     EXPECT_EQ(expected.filter(QRegularExpression("^222,184,135,.*,Wind Power Density >= 200 and < 300$")).size(), 1);
     EXPECT_EQ(expected.filter(QRegularExpression("^0,0,255,.*,Wind Power Density >= 800$")).size(), 1);
@@ -87,30 +81,21 @@ TEST(Batch, SolarRangeTableToAFileWithProgressTimingAndMap)
     const std::string dir = testsupport::dataset("small");
     const QString table = q(testsupport::tempDir("batch-solar")) + "/table.csv";
     const QString png = q(testsupport::tempDir("batch-solar-map")) + "/map.png";
-    const QString resource = "10 km Solar Global Horizontal Annual Average(KWH/M2/DAY)";
-    const BatchRun r = batch({q(dir), "--query", "Best Solar X kWh/m2/day", "--solar-resource", resource, "--min", "5",
-                         "--max", "6.5", "--table", table, "--map", png, "--timing"});
+    const BatchRun r = batch({q(dir), "--query", kSolarQuery, "--solar-resource", kGlobal10, "--min", "5", "--max",
+                              "6.5", "--table", table, "--map", png, "--timing"});
     ASSERT_EQ(r.code, 0) << r.err.toStdString();
     EXPECT_TRUE(r.out.isEmpty());
-    const QStringList err = r.err.split('\n', Qt::SkipEmptyParts);
-    EXPECT_TRUE(err.contains("Calculating..."));
-    EXPECT_TRUE(err.contains("Calculating... 0.0% finished"));
-    EXPECT_TRUE(err.contains("Calculating... finished"));
-    EXPECT_TRUE(err.filter(QRegularExpression("^load \\d+\\.\\d{3}$")).size() == 1) << r.err.toStdString();
-    EXPECT_TRUE(err.filter(QRegularExpression("^query \\d+\\.\\d{3}$")).size() == 1) << r.err.toStdString();
+    const QStringList err = lines(r.err);
+    for (const char* text : {"Calculating...", "Calculating... 0.0% finished", "Calculating... finished"})
+        EXPECT_TRUE(err.contains(text)) << text;
+    EXPECT_EQ(err.filter(QRegularExpression("^load \\d+\\.\\d{3}$")).size(), 1) << r.err.toStdString();
+    EXPECT_EQ(err.filter(QRegularExpression("^query \\d+\\.\\d{3}$")).size(), 1) << r.err.toStdString();
 
-    FrmMain& f = freshMain();
-    load(f, dir);
-    selectQuery(f, "Best Solar X kWh/m2/day");
-    selectResource(f, resource);
-    setRange(f, "5", "6.5");
-    f.cmdUpdateMap->click();
-    const QStringList expected = windowTable();
+    const QStringList expected = windowTable(dir, kSolarQuery, "5", "6.5", kGlobal10);
     ASSERT_FALSE(expected.isEmpty());
-
     QFile file(table);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(csvLines(QString::fromUtf8(file.readAll())), expected);
+    EXPECT_EQ(lines(QString::fromUtf8(file.readAll())), expected);
 
     // The picture holds the colour of the first row.
     QImage image(png);
@@ -123,21 +108,27 @@ TEST(Batch, SolarRangeTableToAFileWithProgressTimingAndMap)
     EXPECT_TRUE(found);
 }
 
-TEST(Batch, RefusalsExitWithTwoAndTheirOwnText)
+TEST(Batch, RefusalsExitWithTwoAndFailuresWithOneWithTheirOwnTexts)
 {
-    const std::string dir = testsupport::dataset("small");
-    // CheckInputs refuses.
-    BatchRun r = batch({q(dir), "--query", "Wind by Power Density", "--min", "500", "--max", "500", "--quiet"});
-    EXPECT_EQ(r.code, 2);
-    EXPECT_TRUE(r.err.contains("Max. Wind Power Density should be > Min. Wind Power Density")) << r.err.toStdString();
-    EXPECT_TRUE(r.out.isEmpty());
-
-    // The query's layer is missing: the selection is refused.
-    const std::string noRoads = testsupport::dataset("small", 1, {"43_roads.shp"});
-    r = batch({q(noRoads), "--query", "Best wind + roads", "--road-km", "2", "--quiet"});
-    EXPECT_EQ(r.code, 2);
-    EXPECT_TRUE(r.err.contains("This query requires 43_roads.shp shapefile.")) << r.err.toStdString();
-    EXPECT_TRUE(r.out.isEmpty());
+    // The availability check finds "16_solar_tilt.shp"; the run wants "12_solar_tilt.shp".
+    const std::string pv = testsupport::tempDir("batch-failure");
+    writePolygons(pv, "16_solar_tilt.shp", "ANNTILT", windRow({5.5, 6.2}));
+    struct Case { QStringList args; int code; const char* says; };
+    const Case cases[] = {
+        {{q(testsupport::dataset("small")), "--query", kWindQuery, "--min", "500", "--max", "500"}, 2,
+         "Max. Wind Power Density should be > Min. Wind Power Density"},
+        // The query's layer is missing: the selection is refused.
+        {{q(testsupport::dataset("small", 1, {"43_roads.shp"})), "--query", "Best wind + roads", "--road-km", "2"}, 2,
+         "This query requires 43_roads.shp shapefile."},
+        {{q(pv), "--query", kSolarQuery, "--solar-resource", kPv10, "--min", "5", "--max", "7"}, 1,
+         " Error Source:md_query_functions2.solar_x_kwhm2_or_better() "},
+    };
+    for (const Case& c : cases) {
+        const BatchRun r = batch(c.args + QStringList{"--quiet"});
+        EXPECT_EQ(r.code, c.code) << c.says;
+        EXPECT_TRUE(r.err.contains(c.says)) << r.err.toStdString();
+        EXPECT_TRUE(r.out.isEmpty()) << c.says;
+    }
 }
 
 TEST(Batch, UsageErrorsExitWithTwo)
@@ -146,12 +137,12 @@ TEST(Batch, UsageErrorsExitWithTwo)
     writePolygons(dir, "20_wind.shp", "WINDPWRD", windRow({300, 500}));
     struct Case { QStringList args; const char* says; };
     const Case cases[] = {
-        {{q(dir), "--query", "Wind by Power Density", "--speed", "fast"}, "unknown option --speed"},
+        {{q(dir), "--query", kWindQuery, "--speed", "fast"}, "unknown option --speed"},
         {{q(dir), "--query", "Wind by Power"}, "unknown query \"Wind by Power\""},
-        {{q(dir + "/nowhere"), "--query", "Wind by Power Density"}, "no such dataset directory"},
+        {{q(dir + "/nowhere"), "--query", kWindQuery}, "no such dataset directory"},
         {{q(dir), "--query"}, "needs a value"},
-        {{q(dir), "--query", "Wind by Power Density", "--answer", "maybe"}, "--answer takes yes or no"},
-        {{q(dir), "--query", "Wind by Power Density", "--road-km", "2"}, "--road-km does not apply"},
+        {{q(dir), "--query", kWindQuery, "--answer", "maybe"}, "--answer takes yes or no"},
+        {{q(dir), "--query", kWindQuery, "--road-km", "2"}, "--road-km does not apply"},
         {{q(dir)}, "nothing to do"},
     };
     for (const Case& c : cases) {
@@ -161,18 +152,6 @@ TEST(Batch, UsageErrorsExitWithTwo)
         EXPECT_TRUE(r.err.contains("usage: marlowan-batch DATASET_DIR --query NAME")) << c.says;
         EXPECT_TRUE(r.out.isEmpty());
     }
-}
-
-TEST(Batch, FailureInsideTheRunExitsWithOne)
-{
-    // The availability check finds "16_solar_tilt.shp"; the run wants "12_solar_tilt.shp".
-    const std::string dir = testsupport::tempDir("batch-failure");
-    writePolygons(dir, "16_solar_tilt.shp", "ANNTILT", windRow({5.5, 6.2}));
-    const BatchRun r = batch({q(dir), "--query", "Best Solar X kWh/m2/day", "--solar-resource",
-                         "10 km Solar PV Annual Average(KWH/M2/DAY)", "--min", "5", "--max", "7", "--quiet"});
-    EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(r.err.contains(" Error Source:md_query_functions2.solar_x_kwhm2_or_better() ")) << r.err.toStdString();
-    EXPECT_TRUE(r.out.isEmpty());
 }
 
 TEST(Batch, AnswerNoToTheLongBufferQuestionGivesAnEmptyTable)

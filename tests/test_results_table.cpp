@@ -9,13 +9,9 @@
 #include "query_fixture.h"
 #include "results/frmShowQueryData.h"
 
-using namespace qf;
+using namespace qrun;
 
 namespace {
-
-const QString kWindQuery = QStringLiteral("Wind by Power Density");
-const QString kSolarQuery = QStringLiteral("Best Solar X kWh/m2/day");
-const QString kGlobal10 = QStringLiteral("10 km Solar Global Horizontal Annual Average(KWH/M2/DAY)");
 
 void activate(FrmShowQueryData& form)
 {
@@ -25,7 +21,7 @@ void activate(FrmShowQueryData& form)
 
 // Wind cells of different sizes, so that the sums per colour are told apart:
 // 1 km2 for 200, 2 km2 for 250, 4 km2 for 800, 1234.5 km2 for 1000 (a long strip).
-std::string windAreas(const std::string& name)
+FrmMain& windRun(const std::string& name, const QString& min = "200")
 {
     const std::string dir = testsupport::tempDir(name);
     writePolygons(dir, "20_wind.shp", "WINDPWRD",
@@ -35,22 +31,23 @@ std::string windAreas(const std::string& name)
                    {rect(0, 20000, 1234500, 1000), 1000},
                    {rect(0, 30000, 1000, 1000), 150}});
     writeCity(dir);
-    return dir;
+    FrmMain& f = panel(dir, kWindQuery, min, "Max");
+    f.cmdUpdateMap->click();
+    return f;
 }
 
-FrmMain& windRun(const std::string& name, const QString& min = "200")
+FrmMain& solarRun(const std::string& name, const std::vector<double>& values)
 {
-    FrmMain& f = freshMain();
-    load(f, windAreas(name));
-    selectQuery(f, kWindQuery);
-    setRange(f, min, "Max");
+    FrmMain& f = panel(solarDir(name, "14_solar_glo.shp", "ANNGLO", values), kSolarQuery, "0", "10", kGlobal10);
     f.cmdUpdateMap->click();
+    EXPECT_EQ(cShapes->Count(), int(values.size()));
+    testsupport::recorder().clear();
     return f;
 }
 
 }  // namespace
 
-TEST(ResultsTable, LastRowWhereDesignedAndEveryRowHiddenAtStart)
+TEST(ResultsTable, HiddenRowsAtStartAndGoneWithTheMainWindow)
 {
     freshMain();
     FrmShowQueryData& form = frmShowQueryData();
@@ -59,12 +56,14 @@ TEST(ResultsTable, LastRowWhereDesignedAndEveryRowHiddenAtStart)
     EXPECT_EQ(Twips(form.shpLayerColor[13]).Top, 4800);
     EXPECT_EQ(Twips(form.lblArea[13]).Top, 4830);
     EXPECT_EQ(Twips(form.lblDescription[13]).Left, 2280);
-    for (int i = 0; i < kQueryDataRows; ++i) {
-        EXPECT_FALSE(Visible(form.shpLayerColor[i]));
-        EXPECT_FALSE(Visible(form.lblArea[i]));
-        EXPECT_FALSE(Visible(form.lblDescription[i]));
-    }
+    for (int i = 0; i < kQueryDataRows; ++i)
+        EXPECT_FALSE(Visible(form.shpLayerColor[i]) || Visible(form.lblArea[i]) || Visible(form.lblDescription[i])) << i;
     EXPECT_EQ(form.shpLayerColor[0]->FillColor(), 255);
+
+    form.show();
+    unloadFrmMain();
+    EXPECT_FALSE(frmShowQueryDataExists());
+    EXPECT_EQ(boxes(), QStringList());
 }
 
 TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrence)
@@ -75,20 +74,16 @@ TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrence)
     QCoreApplication::processEvents();
     FrmShowQueryData& form = frmShowQueryData();
     EXPECT_TRUE(form.isVisible());
-    EXPECT_TRUE(Visible(form.shpLayerColor[0])) << "shown and activated by the press";
 
-    // 200 and 250 share a colour; 800 and 1000 share the top class.
-    const int rows[][1] = {{RGB(222, 184, 135)}, {RGB(0, 0, 255)}};
-    EXPECT_EQ(form.shpLayerColor[0]->FillColor(), rows[0][0]);
+    // Shown and activated by the press. 200 and 250 share a colour; 800 and 1000 share the top class.
+    EXPECT_EQ(form.shpLayerColor[0]->FillColor(), RGB(222, 184, 135));
     EXPECT_EQ(form.lblArea[0]->text(), "3.00 sq km");
     EXPECT_EQ(form.lblDescription[0]->text(), "Wind Power Density >= 200 and < 300");
-    EXPECT_EQ(form.shpLayerColor[1]->FillColor(), rows[1][0]);
+    EXPECT_EQ(form.shpLayerColor[1]->FillColor(), RGB(0, 0, 255));
     EXPECT_EQ(form.lblArea[1]->text(), "1,238.50 sq km");
     EXPECT_EQ(form.lblDescription[1]->text(), "Wind Power Density >= 800");
     for (int i : {0, 1}) {
-        EXPECT_TRUE(Visible(form.shpLayerColor[i]));
-        EXPECT_TRUE(Visible(form.lblArea[i]));
-        EXPECT_TRUE(Visible(form.lblDescription[i]));
+        EXPECT_TRUE(Visible(form.shpLayerColor[i]) && Visible(form.lblArea[i]) && Visible(form.lblDescription[i]));
         EXPECT_EQ(form.shpLayerColor[i]->BorderWidth(), 1);  // wind keeps the designed border
     }
     EXPECT_FALSE(Visible(form.shpLayerColor[2]));
@@ -96,7 +91,7 @@ TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrence)
     // Activated again with the same result, the areas do not add up.
     activate(form);
     EXPECT_EQ(form.lblArea[1]->text(), "1,238.50 sq km");
-    EXPECT_TRUE(testsupport::recorder().boxes.empty()) << testsupport::recorder().texts().join("|").toStdString();
+    EXPECT_EQ(boxes(), QStringList());
 
     // The same rows as data, with the area at full precision.
     const auto table = QueryDataTable();
@@ -109,7 +104,6 @@ TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrence)
 TEST(ResultsTable, WindSentencesForEveryClassAndTheGrayFallback)
 {
     FrmMain& f = windRun("table-sentences", "0");
-    (void)f;
     struct Row { int color; const char* sentence; };
     const Row rows[] = {
         {RGB(230, 230, 230), "Wind Power Density < 200"},  // the result gray is not the renderer's white
@@ -121,7 +115,6 @@ TEST(ResultsTable, WindSentencesForEveryClassAndTheGrayFallback)
         {RGB(1, 2, 3), "Wind Power Density < 200"},
     };
     for (const Row& r : rows) EXPECT_EQ(CreateAreaDescription(r.color), r.sentence) << r.sentence;
-    EXPECT_TRUE(testsupport::recorder().boxes.empty());
 
     // Queries without a class sentence.
     f.cboSelectQuery->Clear();
@@ -130,22 +123,12 @@ TEST(ResultsTable, WindSentencesForEveryClassAndTheGrayFallback)
     EXPECT_EQ(CreateAreaDescription(RGB(0, 0, 255)), "");
     f.cboSelectQuery->setItemText(0, "No Query (Base Map)");
     EXPECT_EQ(CreateAreaDescription(RGB(0, 0, 255)), "");
-    EXPECT_TRUE(testsupport::recorder().boxes.empty());
+    EXPECT_EQ(boxes(), QStringList());
 }
 
 TEST(ResultsTable, SolarRowsHaveOneDecimalNoAndAndAThickBorder)
 {
-    FrmMain& f = freshMain();
-    const std::string dir = testsupport::tempDir("table-solar");
-    writePolygons(dir, "14_solar_glo.shp", "ANNGLO", windRow({1.0, 5.2, 9.5, 5.4}));
-    writeCity(dir);
-    load(f, dir);
-    selectQuery(f, kSolarQuery);
-    selectResource(f, kGlobal10);
-    setRange(f, "0", "10");
-    f.cmdUpdateMap->click();
-    ASSERT_EQ(cShapes->Count(), 4);
-
+    solarRun("table-solar", {1.0, 5.2, 9.5, 5.4});
     FrmShowQueryData& form = frmShowQueryData();
     activate(form);
     EXPECT_EQ(form.lblDescription[0]->text(), "Solar Resource < 2.0");
@@ -156,28 +139,16 @@ TEST(ResultsTable, SolarRowsHaveOneDecimalNoAndAndAThickBorder)
     for (int i = 0; i < 3; ++i) EXPECT_EQ(form.shpLayerColor[i]->BorderWidth(), 2);
     // A colour the renderer does not know stays blank for solar.
     EXPECT_EQ(CreateAreaDescription(RGB(1, 2, 3)), "");
-    EXPECT_TRUE(testsupport::recorder().boxes.empty()) << testsupport::recorder().texts().join("|").toStdString();
+    EXPECT_EQ(boxes(), QStringList());
 }
 
 TEST(ResultsTable, MoreThanFourteenColoursWarnAtEachActivationAndShowTheFirstFourteen)
 {
-    FrmMain& f = freshMain();
-    const std::string dir = testsupport::tempDir("table-sixteen");
     // All sixteen solar classes, the top one first.
-    writePolygons(dir, "14_solar_glo.shp", "ANNGLO",
-                  windRow({9.5, 1.0, 2.2, 2.7, 3.2, 3.7, 4.2, 4.7, 5.2, 5.7, 6.2, 6.7, 7.2, 7.7, 8.2, 8.7}));
-    writeCity(dir);
-    load(f, dir);
-    selectQuery(f, kSolarQuery);
-    selectResource(f, kGlobal10);
-    setRange(f, "0", "10");
-    f.cmdUpdateMap->click();
-    ASSERT_EQ(cShapes->Count(), 16);
-    testsupport::recorder().clear();
-
+    solarRun("table-sixteen", {9.5, 1.0, 2.2, 2.7, 3.2, 3.7, 4.2, 4.7, 5.2, 5.7, 6.2, 6.7, 7.2, 7.7, 8.2, 8.7});
     FrmShowQueryData& form = frmShowQueryData();
     activate(form);
-    EXPECT_EQ(testsupport::recorder().texts(), QStringList({"Form will not be able to show all values"}));
+    EXPECT_EQ(boxes(), QStringList({"Form will not be able to show all values"}));
     EXPECT_EQ(form.shpLayerColor[0]->FillColor(), RGB(71, 0, 0));
     EXPECT_EQ(form.shpLayerColor[13]->FillColor(), RGB(207, 0, 0));  // 7.7, the fourteenth
     EXPECT_TRUE(Visible(form.lblDescription[13]));
@@ -210,19 +181,18 @@ TEST(ResultsTable, RowsAreOnlyFilledUntilTheWindowCloses)
     f.cmdUpdateMap->click();
     activate(form);
     EXPECT_EQ(form.lblArea[0]->text(), "1,238.50 sq km");
-    EXPECT_TRUE(testsupport::recorder().boxes.empty());
+    EXPECT_EQ(boxes(), QStringList());
 
     // Closing hides every row; the next window starts clean.
     form.close();
     QCoreApplication::processEvents();
     EXPECT_FALSE(frmShowQueryDataExists());
-    FrmShowQueryData& again = frmShowQueryData();
-    EXPECT_FALSE(Visible(again.lblArea[0]));
+    EXPECT_FALSE(Visible(frmShowQueryData().lblArea[0]));
 }
 
 TEST(ResultsTable, FailuresReportTheirOwnTexts)
 {
-    FrmMain& f = windRun("table-failures");
+    windRun("table-failures");
     FrmShowQueryData& form = frmShowQueryData();
 
     // No wind layer under its key: the sentence is empty, the row is still filled.
@@ -230,9 +200,8 @@ TEST(ResultsTable, FailuresReportTheirOwnTexts)
     cLayerIndex = std::make_shared<Collection<int>>();
     testsupport::recorder().clear();
     activate(form);
-    EXPECT_EQ(testsupport::recorder().texts(),
-              QStringList({" Error Source:md_query_functions2.CreateAreaDescription()",
-                           " Error Source:md_query_functions2.CreateAreaDescription()"}));
+    EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.CreateAreaDescription()",
+                                    " Error Source:md_query_functions2.CreateAreaDescription()"}));
     EXPECT_EQ(form.lblDescription[0]->text(), "");
     EXPECT_TRUE(Visible(form.lblArea[0]));
     cLayerIndex = index;
@@ -241,17 +210,6 @@ TEST(ResultsTable, FailuresReportTheirOwnTexts)
     cShapes.reset();
     testsupport::recorder().clear();
     activate(form);
-    EXPECT_EQ(testsupport::recorder().texts(), QStringList({" Error Source:md_query_functions2.UpdateQueryDataForm()"}));
+    EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.UpdateQueryDataForm()"}));
     EXPECT_FALSE(QueryDataTable());
-    (void)f;
-}
-
-TEST(ResultsTable, ClosingTheMainWindowDropsTheTable)
-{
-    freshMain();
-    FrmShowQueryData& form = frmShowQueryData();
-    form.show();
-    unloadFrmMain();
-    EXPECT_FALSE(frmShowQueryDataExists());
-    EXPECT_TRUE(testsupport::recorder().boxes.empty()) << testsupport::recorder().texts().join("|").toStdString();
 }
