@@ -42,10 +42,7 @@ inline std::string rect(double x, double y, double w, double h)
     return s + "))";
 }
 
-struct Poly {
-    std::string wkt;
-    double value;
-};
+struct Poly { std::string wkt; double value; };
 
 // A polygon layer with one numeric field.
 inline void writePolygons(const std::string& dir, const std::string& file, const std::string& field,
@@ -108,13 +105,7 @@ inline void setRange(FrmMain& f, const QString& min, const QString& max)
 struct ProgressLog {
     QStringList texts;
     std::function<void(const QString&)> also;
-    ProgressLog()
-    {
-        SetProgressHook([this](const QString& t) {
-            texts << t;
-            if (also) also(t);
-        });
-    }
+    ProgressLog() { SetProgressHook([this](const QString& t) { texts << t; if (also) also(t); }); }
     ~ProgressLog() { SetProgressHook({}); }
 };
 

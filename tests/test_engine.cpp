@@ -64,18 +64,15 @@ TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedAndEmptyRanges)
     }
     // Every record from 200 up, in the order of the records, keys from "0".
     ASSERT_TRUE(cShapes);
-    ASSERT_EQ(cShapes->Count(), 6);
-    EXPECT_EQ(cSymbols->Count(), 6);
-    EXPECT_EQ(cFieldValues->Count(), 6);
+    ASSERT_EQ(QList<int>({cShapes->Count(), cSymbols->Count(), cFieldValues->Count()}), QList<int>({6, 6, 6}));
     EXPECT_EQ(sFieldName, "WINDPWRD");
     const std::vector<int> expected = {RGB(222, 184, 135), RGB(222, 184, 135), RGB(154, 50, 205),
                                        RGB(255, 0, 0),     RGB(0, 0, 255),     RGB(0, 0, 255)};
     for (int i = 0; i < 6; ++i) {
         const QString key = QString::number(i);
-        SCOPED_TRACE(i);
-        EXPECT_EQ(colorAt(key), expected[size_t(i)]);
-        EXPECT_FALSE(cSymbols->Item(key)->Outline);
-        EXPECT_DOUBLE_EQ(cFieldValues->Item(key).toDouble(), kDensities[size_t(i) + 1]);
+        EXPECT_EQ(colorAt(key), expected[size_t(i)]) << i;
+        EXPECT_FALSE(cSymbols->Item(key)->Outline) << i;
+        EXPECT_DOUBLE_EQ(cFieldValues->Item(key).toDouble(), kDensities[size_t(i) + 1]) << i;
     }
     // Idle again, with the results button shown and the roads hidden.
     expectIdle(f);
@@ -133,9 +130,7 @@ TEST(QueryRun, CancelServedInsideAYieldKeepsThePartialResult)
     f.cmdUpdateMap->click();
     EXPECT_EQ(captionAtCancel, "Cancel");
     EXPECT_TRUE(bCancelQuery);
-    ASSERT_EQ(cShapes->Count(), 50);
-    EXPECT_EQ(cSymbols->Count(), 50);
-    EXPECT_EQ(cFieldValues->Count(), 50);
+    EXPECT_EQ(QList<int>({cShapes->Count(), cSymbols->Count(), cFieldValues->Count()}), QList<int>({50, 50, 50}));
     EXPECT_EQ(log.texts.last(), "Calculating... 40.8% finished");  // record 49 of 120
     EXPECT_FALSE(log.texts.contains("Calculating... finished"));
     EXPECT_FALSE(Visible(f.cmdShowData));
@@ -232,20 +227,15 @@ TEST(SolarQueries, RangeQueryColoursByClassAndNamesTheField)
     EXPECT_EQ(colorAt("0"), RGB(224, 178, 92));  // 2.5 belongs to the class from 2.5
     EXPECT_EQ(colorAt("1"), RGB(252, 218, 154));
     EXPECT_EQ(colorAt("2"), RGB(255, 94, 25));
-    EXPECT_EQ(log.texts.first(), "Calculating...");
-    EXPECT_EQ(log.texts.last(), "Calculating... finished");
+    EXPECT_EQ(QStringList({log.texts.first(), log.texts.last()}), QStringList({"Calculating...", "Calculating... finished"}));
     EXPECT_TRUE(Visible(f.cmdShowData));
 }
 
 TEST(SolarQueries, OffGridBandsAreRelativeToTheLayersOwnRange)
 {
-    const int kBand1 = RGB(255, 255, 128), kBand2 = RGB(255, 200, 100), kBand3 = RGB(255, 128, 85),
-              kBand4 = RGB(255, 0, 0);
-    struct Case {
-        const char* name;
-        std::vector<double> distances;  // of each polygon's centroid from the one line
-        std::vector<int> colors;
-    };
+    const int kBand1 = RGB(255, 255, 128), kBand2 = RGB(255, 200, 100), kBand3 = RGB(255, 128, 85), kBand4 = RGB(255, 0, 0);
+    // Distances of each polygon's centroid from the one line, and the colours they take.
+    struct Case { const char* name; std::vector<double> distances; std::vector<int> colors; };
     const Case cases[] = {
         // All at one distance: the span is 0 and everything takes the first band.
         {"equal", {1500, 1500, 1500}, {kBand1, kBand1, kBand1}},
@@ -352,12 +342,7 @@ TEST(Expressions, WindInDoublePrecisionWithMaxSolarInSingleWithout)
 {
     FrmMain& f = freshMain();
     sSolarField = "ANNGLO";
-    struct Case {
-        bool solar;
-        const char* min;
-        const char* max;
-        const char* expression;  // empty: refused with the routine's text
-    };
+    struct Case { bool solar; const char* min; const char* max; const char* expression; };  // empty: refused
     const Case cases[] = {
         {false, "400", "Max", "WINDPWRD >= 400 AND WINDPWRD <= 10000"},
         {false, "400.0", "800", "WINDPWRD >= 400 AND WINDPWRD <= 800"},

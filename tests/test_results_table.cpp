@@ -25,11 +25,8 @@ FrmMain& windRun(const std::string& name, const QString& min = "200")
 {
     const std::string dir = testsupport::tempDir(name);
     writePolygons(dir, "20_wind.shp", "WINDPWRD",
-                  {{rect(0, 0, 1000, 1000), 200},
-                   {rect(0, 5000, 2000, 1000), 250},
-                   {rect(0, 10000, 2000, 2000), 800},
-                   {rect(0, 20000, 1234500, 1000), 1000},
-                   {rect(0, 30000, 1000, 1000), 150}});
+                  {{rect(0, 0, 1000, 1000), 200}, {rect(0, 5000, 2000, 1000), 250}, {rect(0, 10000, 2000, 2000), 800},
+                   {rect(0, 20000, 1234500, 1000), 1000}, {rect(0, 30000, 1000, 1000), 150}});
     writeCity(dir);
     FrmMain& f = panel(dir, kWindQuery, min, "Max");
     f.cmdUpdateMap->click();
