@@ -48,12 +48,9 @@ TEST_F(Visibility, DefaultsAfterALoad)
     ASSERT_LT(layer("43_roads.shp")->Records()->Count(), 50);
     EXPECT_TRUE(layer("43_roads.shp")->Visible);
     EXPECT_TRUE(layer("59_cities.shp")->Visible);
-    // Solar layers were hidden while styled; the others of the last row show.
-    for (const char* tag : {"13_solar_direct.shp", "14_solar_glo.shp", "15_solar_glo.shp", "16_solar_tilt.shp",
-                            "17_solar_direct.shp", "18_solar_tilt.shp"})
-        EXPECT_FALSE(layer(tag)->Visible) << tag;
-    for (const char* tag : {"21_wind.shp", "22_wind.shp", "39_countryboundary.shp"}) EXPECT_TRUE(layer(tag)->Visible) << tag;
-    EXPECT_TRUE(recorder().boxes.empty());
+    // Solar layers were hidden while styled; the others left alone show.
+    for (const QString& tag : kLeftAlone) EXPECT_EQ(layer(tag)->Visible, !tag.contains("solar")) << tag.toStdString();
+    EXPECT_NO_BOXES();
 }
 
 TEST_F(Visibility, ReapplyingTheDefaultsTouchesOnlyTheNamedFiles)
@@ -73,7 +70,7 @@ TEST_F(Visibility, ReapplyingTheDefaultsTouchesOnlyTheNamedFiles)
     odd->Tag = "20_Wind.shp";
     SetDefaultVisibility(odd);
     EXPECT_TRUE(odd->Visible);
-    EXPECT_TRUE(recorder().boxes.empty());
+    EXPECT_NO_BOXES();
 }
 
 TEST_F(Visibility, RoadsAndCitiesShowBelowFiftyFeatures)
@@ -94,7 +91,7 @@ TEST_F(Visibility, RoadsAndCitiesShowBelowFiftyFeatures)
         EXPECT_EQ(map()->Layers().Item(0)->Visible, c.visible);
         EXPECT_EQ(isSetLayerVisible(map()->Layers().Item(0)), c.visible);
     }
-    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+    EXPECT_NO_BOXES();
 }
 
 TEST_F(Visibility, FailuresShowTheirOwnTexts)
@@ -120,7 +117,7 @@ TEST_F(Visibility, TheLabelListsVisibleLayersTopFirstWithTrailingSeparators)
 
     const QString dir = q(testsupport::tempDir("label"));
     for (const char* f : {"21_wind.shp", "30_lakes.shp", "39_countryboundary.shp"})
-        writeFeatures(QDir(dir).filePath(f).toStdString(), 1);
+        writeFeaturesIn(dir, f, 1);
     loadDirectory(dir);
     EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text(), "Country Boundary; 21_wind; ");
     setAll(true);
@@ -139,7 +136,7 @@ TEST_F(Visibility, TheLabelListsVisibleLayersTopFirstWithTrailingSeparators)
     EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().endsWith("; Land Use; Elevation (meters); "));
 }
 
-TEST_F(Visibility, DialogDesign)
+TEST_F(Visibility, DialogDesignAndTheDialogWithoutLayers)
 {
     FrmShowLayersDialog& d = frmShowLayersDialog();
     EXPECT_EQ(d.windowTitle(), "Change Layers");
@@ -156,15 +153,12 @@ TEST_F(Visibility, DialogDesign)
         EXPECT_EQ(r.Width, 3495) << c.index;
     }
     EXPECT_EQ(d.chkShowLayers[5]->text(), "Check1");
-}
 
-TEST_F(Visibility, DialogWithoutLayersHidesEveryBoxAndSetsNothing)
-{
-    FrmShowLayersDialog& d = frmShowLayersDialog();
+    // Without layers every box is hidden and OK sets nothing.
     d.Form_Activate();
     for (QCheckBox* box : d.chkShowLayers) EXPECT_FALSE(Visible(box));
     d.OKButton_Click();
-    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+    EXPECT_NO_BOXES();
 }
 
 TEST_F(Visibility, DialogOffersTwentySevenLayersAndLeavesTheTwentyEighthAlone)
@@ -196,7 +190,7 @@ TEST_F(Visibility, DialogOffersTwentySevenLayersAndLeavesTheTwentyEighthAlone)
     // The repaint after OK brought the label up to date.
     EXPECT_FALSE(main->lblLayersCurrentlyDisplayed->text().contains("Elevation"));
     EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().startsWith("Cities; "));
-    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+    EXPECT_NO_BOXES();
 }
 
 TEST_F(Visibility, CancelChangesNothingAndTheNextActivationShowsTheTruth)
@@ -241,7 +235,7 @@ TEST_F(Visibility, ChangeLayersButtonRunsTheDialogAndTheLabelFollows)
     main->lblLayersCurrentlyDisplayed->setText("stale");
     frmShowLayersDialog().Form_Deactivate();
     EXPECT_NE(main->lblLayersCurrentlyDisplayed->text(), "stale");
-    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
+    EXPECT_NO_BOXES();
 }
 
 TEST_F(Visibility, TheLegendsCheckBoxRepaintsTheMap)
