@@ -2,6 +2,7 @@
 // The form library's conventions on Qt widgets: positions in twips, a Visible
 // flag of the control's own, and list controls whose selection set from code
 // raises the same click handler as the user's pick.
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -62,4 +63,14 @@ class TextBox : public QLineEdit {
 public:
     explicit TextBox(QWidget* parent = nullptr) : QLineEdit(parent) {}
     QString Text() const { return text(); }
+};
+
+// The hourglass over the whole program while a long step runs that lets no
+// events through (loading a dataset, building the print window).
+class WaitCursor {
+public:
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
 };

@@ -280,6 +280,7 @@ void UnloadFrmPrint()
 void FrmMain::mnuPrint_Click()
 {
     if (Map1->Layers().Count() < 1) return;
+    WaitCursor busy;
     FrmPrint& f = frmPrint();
     // Chosen again while open: the window comes to the front as it stands.
     if (f.isVisible()) f.raise();

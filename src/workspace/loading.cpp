@@ -6,6 +6,7 @@
 
 #include "app/frmMain.h"
 #include "app/messages.h"
+#include "mapping/controls.h"
 #include "mapping/legend.h"
 #include "mapping/map.h"
 #include "mapping/seam.h"
@@ -43,6 +44,7 @@ void FrmMain::mnuOpen_Click()
     const seam::FileAnswer answer = seam::ShowFileDialog(request);
     if (answer.cancelled || answer.fileName.isEmpty())
         return;
+    WaitCursor busy;
     LoadProject(answer.fileTitle, answer.fileName, Map1, legend);
 }
 
