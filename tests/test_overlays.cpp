@@ -434,6 +434,65 @@ TEST(LineBuffers, TheSecondTierLeavesEveryEleventhBatchOut)
     EXPECT_EQ(tiers, expected);
 }
 
+// The overlay cuts each wind polygon with the buffers near it only; that must
+// give what the one polygon of create_line_buffers gives, gaps included.
+// Segments 10 m apart with 6 m buffers overlap, so only their union is right;
+// record 102 (x = 1010) is left out by the tiers, which opens the strip
+// 1006 < x < 1014.
+TEST(LineBuffers, TheOverlayCutsAsTheWholeBufferPolygonDoes)
+{
+    const std::string dir = testsupport::tempDir("roads-local");
+    const std::vector<Poly> winds = {
+        {rect(1000, 2, 20, 6), 500},   // across the gap: both sides, not the gap
+        {rect(1007, 2, 6, 6), 800},    // inside the gap: nothing
+        {rect(500, 2, 30, 6), 600},    // over four overlapping buffers: whole
+        {rect(2988, 2, 4, 6), 450},    // inside one buffer: whole
+        {rect(1000, 40, 10, 10), 500}, // out of reach
+        {rect(995, -20, 30, 40), 400}, // the gap and the round ends
+    };
+    writePolygons(dir, "20_wind.shp", "WINDPWRD", winds);
+    writeLines(dir, "43_roads.shp", shortSegments(420));
+    writeCity(dir);
+    Panel p;
+    p.distance2 = "0.006";
+    loaded(dir, p);
+
+    ProgressLog log;
+    fill_cShapes_collection(kRoads);
+    EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
+    const int overlaying = int(log.texts.indexOf("Overlaying..."));
+    ASSERT_GT(overlaying, 0);
+    EXPECT_EQ(log.texts[overlaying - 1], "Creating buffer polygon 4 out of 4");
+    EXPECT_EQ(log.texts.last(), "Overlaying... finished");
+
+    ASSERT_EQ(cShapes->Count(), 4);
+    EXPECT_NEAR(areaAt("0"), 12.0 * 6, 1e-6);
+    EXPECT_NEAR(areaAt("1"), 30.0 * 6, 1e-6);
+    EXPECT_NEAR(areaAt("2"), 4.0 * 6, 1e-6);
+    EXPECT_EQ(colorAt("0"), kClass500);
+    EXPECT_EQ(colorAt("1"), kClass600);
+    EXPECT_EQ(cFieldValues->Item("3").toDouble(), 400);
+
+    // Shape by shape the same point set as the cut with the whole polygon.
+    testsupport::recorder().clear();
+    PolygonPtr whole = create_line_buffers("43_roads.shp", 0.006f);
+    ASSERT_TRUE(whole);
+    int key = 0;
+    for (const Poly& w : winds) {
+        if (w.value < 400) continue;
+        auto wind = std::make_shared<Polygon>(geomFromWkt(w.wkt.c_str()));
+        ShapePtr expected = whole->Intersect(wind);
+        if (!expected) continue;
+        ASSERT_LT(key, cShapes->Count());
+        const ShapePtr got = cShapes->Item(QString::number(key++));
+        GeomPtr rest = adoptGeom(GEOSSymDifference_r(geosContext(), got->geom().get(), expected->geom().get()));
+        double area = 0;
+        GEOSArea_r(geosContext(), rest.get(), &area);
+        EXPECT_LT(area, 1e-6) << w.wkt;
+    }
+    EXPECT_EQ(key, cShapes->Count());
+}
+
 TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
 {
     const std::string dir = testsupport::tempDir("roads-no");
@@ -578,6 +637,34 @@ TEST(AllCriteria, NoPlaceNearBothLinesGivesNothingAndNoWord)
                                       "Intersecting... 50.0% finished"}));
 }
 
+// The common area of roads and transmission is made per land-use polygon
+// from the buffers there; the record the tiers leave out stays out.
+TEST(AllCriteria, TheCommonAreaKeepsTheGapsOfTheTiers)
+{
+    const std::string dir = allDataset("all-gaps", false);
+    writePolygons(dir, "20_wind.shp", "WINDPWRD",
+                  {{rect(995, -20, 30, 40), 600}, {rect(1007, -20, 6, 40), 800}, {rect(3000, -20, 30, 40), 500}});
+    writeLines(dir, "43_roads.shp", shortSegments(420));
+    writeLines(dir, "44_transmissionline.shp", {"LINESTRING(-100 5, 2000 5)"});
+    writeLandUse(dir, {{rect(990, -50, 40, 100), "FOREST"}, {rect(2990, -50, 40, 100), "FOREST"}});
+    Panel p = allPanel(false);
+    p.distance1 = "0.004";
+    p.distance2 = "0.006";
+    loaded(dir, p);
+
+    ProgressLog log;
+    fill_cShapes_collection(kAll);
+    EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
+    // The second land-use polygon lies beyond the transmission line: one piece.
+    EXPECT_EQ(log.texts.mid(log.texts.indexOf("Intersecting...")),
+              QStringList({"Intersecting...", "Intersecting... 0.0% finished", "Intersecting... 50.0% finished",
+                           "Overlaying... 0.0% finished", "Overlaying... finished"}));
+    ASSERT_EQ(cShapes->Count(), 1);
+    // 995 to 1006 and 1014 to 1025, between y = 1 and 9.
+    EXPECT_NEAR(areaAt("0"), 22.0 * 8, 1e-6);
+    EXPECT_EQ(colorAt("0"), kClass600);
+}
+
 TEST(AllCriteria, TheSecondQuestionAnsweredNoStopsAfterTheRoads)
 {
     const std::string dir = allDataset("all-no");
@@ -640,4 +727,46 @@ TEST(NearbyParts, CutsGiveWhatTheWholePolygonGives)
     }
     EXPECT_GT(cut, 100);  // the tiles were used, not the whole
     EXPECT_GT(none, 50);  // squares in the hole and outside
+}
+
+// ------------------------------------------------- a union kept in parts
+
+TEST(PolygonSet, CutsGiveWhatTheUnionGives)
+{
+    // Overlapping discs and bars in a ring, cut with a grid of squares.
+    std::vector<GeomPtr> parts;
+    for (int i = 0; i < 40; ++i) {
+        const double a = 2 * M_PI * i / 40, x = 50000 * std::cos(a), y = 50000 * std::sin(a);
+        GeomPtr centre = geomFromWkt(("POINT(" + std::to_string(x) + " " + std::to_string(y) + ")").c_str());
+        const double r = i % 3 == 0 ? 9000 : 4000;
+        parts.push_back(adoptGeom(GEOSBuffer_r(geosContext(), centre.get(), r, 8)));
+        if (i % 5 == 0) parts.push_back(geomFromWkt(rect(x - 20000, y - 500, 40000, 1000).c_str()));
+    }
+    overlay::PolygonSet set(parts);
+    PolygonPtr whole = set.whole();
+    ASSERT_TRUE(whole);
+    EXPECT_NEAR(whole->Area(), overlay::unionAll(parts)->Area(), 1e-6 * whole->Area());
+
+    int cut = 0, none = 0, inside = 0;
+    for (double x = -70000; x <= 70000; x += 6000) {
+        for (double y = -70000; y <= 70000; y += 7000) {
+            auto square = std::make_shared<Polygon>(geomFromWkt(rect(x, y, 5000, 5000).c_str()));
+            ShapePtr expected = whole->Intersect(square);
+            ShapePtr got = set.intersect(square);
+            ASSERT_EQ(bool(got), bool(expected)) << x << " " << y;
+            if (!expected) {
+                ++none;
+                continue;
+            }
+            ASSERT_TRUE(std::dynamic_pointer_cast<Polygon>(got));
+            const double area = areaOf(expected);
+            EXPECT_NEAR(areaOf(got), area, 1e-9 * area) << x << " " << y;
+            if (std::abs(area - 25e6) < 1e-3) ++inside;
+            else ++cut;
+        }
+    }
+    EXPECT_GT(cut, 20);
+    EXPECT_GT(none, 100);
+    EXPECT_GT(inside, 3);
+    EXPECT_THROW(set.intersect(nullptr), MapError);
 }

@@ -1,10 +1,12 @@
 // "Best wind + roads" and "Best wind + transmission": one polygon of all the
 // buffers of a line layer, cut with each selected wind polygon.
+#include <functional>
 #include <optional>
 
 #include "app/frmMain.h"
 #include "app/messages.h"
 #include "engine/expressions.h"
+#include "engine/line_buffers.h"
 #include "engine/overlay_support.h"
 #include "engine/queries.h"
 #include "engine/query_run.h"
@@ -30,7 +32,8 @@ MapLayerPtr layerOf(const QString& file)
 
 // The buffers a polygon of the tiers is made of. Uniting two of them only
 // joins the lists; the area itself is united once, at the end, which gives
-// the same polygon as uniting buffer by buffer at a fraction of the cost.
+// the same polygon as uniting buffer by buffer at a fraction of the cost, or
+// for an overlay only near each shape it cuts.
 using Buffers = std::vector<GeomPtr>;
 
 void unite(Buffers& into, const Buffers& other) { into.insert(into.end(), other.begin(), other.end()); }
@@ -44,10 +47,9 @@ Buffers bufferOf(Recordset& records, double distance)
 
 }  // namespace
 
-PolygonPtr create_line_buffers(const QString& sLayerFile, float sngDistance)
+std::shared_ptr<overlay::PolygonSet> line_buffer_parts(const QString& sLayerFile, float sngDistance)
 {
     try {
-        FrmMain& f = frmMain();
         MapLayerPtr layer = layerOf(sLayerFile);
         RecordsetPtr records = layer->SearchExpression("FeatureID > -1");
         if (!records) throw MapError("layer without records");
@@ -71,7 +73,7 @@ PolygonPtr create_line_buffers(const QString& sLayerFile, float sngDistance)
                 recordText();
                 records->MoveNext();
             }
-            return overlay::unionAll(current);
+            return std::make_shared<overlay::PolygonSet>(std::move(current));
         }
 
         if (seam::MsgBox("This query may take few minutes to complete. Do you want to proceed?", seam::Buttons::YesNo) ==
@@ -154,7 +156,21 @@ PolygonPtr create_line_buffers(const QString& sLayerFile, float sngDistance)
             unite(total, groups[size_t(i - 1)]);
             ShowProgress("Creating buffer polygon " + QString::number(i) + " out of " + QString::number(groupCount));
         }
-        return overlay::unionAll(total);
+        return std::make_shared<overlay::PolygonSet>(std::move(total));
+    } catch (...) {
+        ErrorMessage(" Error Source:md_query_functions2.create_line_buffers()", 48);
+        return nullptr;
+    }
+}
+
+PolygonPtr create_line_buffers(const QString& sLayerFile, float sngDistance)
+{
+    std::shared_ptr<overlay::PolygonSet> parts = line_buffer_parts(sLayerFile, sngDistance);
+    if (!parts) return nullptr;
+    try {
+        PolygonPtr total = parts->whole();
+        if (!total) throw MapError("no buffer");
+        return total;
     } catch (...) {
         ErrorMessage(" Error Source:md_query_functions2.create_line_buffers()", 48);
         return nullptr;
@@ -165,8 +181,8 @@ void wind_with_roads()
 {
     try {
         HideContextLayers({"37_subcountrybnd2.shp", "42_railroad.shp", "44_transmissionline.shp"}, true);
-        PolygonPtr oBuffer = create_line_buffers("43_roads.shp", sngRoadDistance);
-        if (!bCancelQuery && oBuffer) Wind_Buffer_Overlay(oBuffer);
+        std::shared_ptr<overlay::PolygonSet> oBuffer = line_buffer_parts("43_roads.shp", sngRoadDistance);
+        if (!bCancelQuery && oBuffer) Wind_Buffer_Overlay(*oBuffer);
     } catch (...) {
         ErrorMessage(" Error Source:md_query_functions2.wind_with_roads()", 48);
     }
@@ -176,14 +192,19 @@ void wind_with_transmission()
 {
     try {
         HideContextLayers({"37_subcountrybnd2.shp", "42_railroad.shp", "43_roads.shp"}, true);
-        PolygonPtr oBuffer = create_line_buffers("44_transmissionline.shp", sngTransmissionDistance);
-        if (!bCancelQuery && oBuffer) Wind_Buffer_Overlay(oBuffer);
+        std::shared_ptr<overlay::PolygonSet> oBuffer =
+            line_buffer_parts("44_transmissionline.shp", sngTransmissionDistance);
+        if (!bCancelQuery && oBuffer) Wind_Buffer_Overlay(*oBuffer);
     } catch (...) {
         ErrorMessage(" Error Source:md_query_functions2.wind_with_transmission()", 48);
     }
 }
 
-void Wind_Buffer_Overlay(const PolygonPtr& oBuffer)
+namespace {
+
+// The overlay loop; cut gives the buffer polygon cut with a wind polygon, or
+// throws where that cut fails.
+void bufferOverlay(const std::function<ShapePtr(const ShapePtr&)>& cut)
 {
     RectanglePtr extent;
     RecordsetPtr records;
@@ -200,9 +221,7 @@ void Wind_Buffer_Overlay(const PolygonPtr& oBuffer)
         return;
     }
 
-    // The buffer polygon is the object of each cut; only its parts near the
-    // wind polygon take part. A failing cut leaves the previous piece.
-    overlay::NearbyParts nearby(oBuffer);
+    // A failing cut leaves the previous piece.
     ShapePtr piece;
     int n = 0;
     if (records) {
@@ -213,12 +232,7 @@ void Wind_Buffer_Overlay(const PolygonPtr& oBuffer)
             bool isPolygon = false;
             passOver([&] { isPolygon = records->Fields()("Shape").Type() == moPolygon; });
             if (isPolygon) {
-                passOver([&] {
-                    ShapePtr wind = records->Fields()("Shape").shapeValue();
-                    if (!oBuffer || !wind) throw MapError("nothing to intersect");
-                    PolygonPtr near = nearby.around(wind->envelope());
-                    piece = near ? near->Intersect(wind) : nullptr;
-                });
+                passOver([&] { piece = cut(records->Fields()("Shape").shapeValue()); });
                 PolygonPtr polygon;
                 passOver([&] {
                     if (auto rect = std::dynamic_pointer_cast<Rectangle>(piece)) polygon = rect->Buffer(0, extent);
@@ -232,4 +246,26 @@ void Wind_Buffer_Overlay(const PolygonPtr& oBuffer)
         }
     }
     passOver([&] { ShowProgress("Overlaying... finished"); });
+}
+
+}  // namespace
+
+void Wind_Buffer_Overlay(const PolygonPtr& oBuffer)
+{
+    // The buffer polygon is the object of each cut; only its parts near the
+    // wind polygon take part.
+    overlay::NearbyParts nearby(oBuffer);
+    bufferOverlay([&](const ShapePtr& wind) -> ShapePtr {
+        if (!oBuffer || !wind) throw MapError("nothing to intersect");
+        PolygonPtr near = nearby.around(wind->envelope());
+        return near ? near->Intersect(wind) : nullptr;
+    });
+}
+
+void Wind_Buffer_Overlay(overlay::PolygonSet& buffers)
+{
+    bufferOverlay([&](const ShapePtr& wind) -> ShapePtr {
+        if (!wind) throw MapError("nothing to intersect");
+        return buffers.intersect(wind);
+    });
 }

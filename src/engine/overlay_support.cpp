@@ -140,6 +140,88 @@ PolygonPtr NearbyParts::around(const Envelope& env)
     return cur->shape;
 }
 
+// --- PolygonSet ----------------------------------------------------------------------
+
+PolygonSet::PolygonSet(std::vector<GeomPtr> parts) : parts_(std::move(parts))
+{
+    auto h = geosContext();
+    envs_.reserve(parts_.size());
+    for (const GeomPtr& g : parts_) envs_.push_back(Envelope::of(g.get()));
+    shapes_.resize(parts_.size());
+    tree_ = GEOSSTRtree_create_r(h, 10);
+    if (!tree_) throw MapError("no index");
+    for (size_t i = 0; i < parts_.size(); ++i)
+        if (!envs_[i].isEmpty()) GEOSSTRtree_insert_r(h, tree_, parts_[i].get(), reinterpret_cast<void*>(i));
+}
+
+PolygonSet::~PolygonSet()
+{
+    if (tree_) GEOSSTRtree_destroy_r(geosContext(), tree_);
+}
+
+std::vector<int> PolygonSet::near(const Shape& shape) const
+{
+    std::vector<int> out;
+    const Envelope env = shape.envelope();
+    if (env.isEmpty() || parts_.empty()) return out;
+    GeomPtr g = shape.geom();
+    auto collect = [](void* item, void* data) {
+        static_cast<std::vector<int>*>(data)->push_back(int(reinterpret_cast<size_t>(item)));
+    };
+    GEOSSTRtree_query_r(geosContext(), tree_, g.get(), collect, &out);
+    // The index may be generous at the borders; only boxes that meet count.
+    std::erase_if(out, [&](int i) { return !envs_[size_t(i)].intersects(env); });
+    std::sort(out.begin(), out.end());
+    return out;
+}
+
+const GeoShape& PolygonSet::part(int i)
+{
+    auto& s = shapes_[size_t(i)];
+    if (!s) s = std::make_shared<Polygon>(parts_[size_t(i)]);
+    return *s;
+}
+
+PolygonPtr PolygonSet::whole()
+{
+    if (!wholeMade_) {
+        whole_ = unionAll(parts_);
+        wholeMade_ = true;
+    }
+    return whole_;
+}
+
+// Only the parts that meet the shape count; the cut with their union is the
+// union of the cuts with each, all of them inside the shape and so small.
+ShapePtr PolygonSet::intersect(const ShapePtr& shape)
+{
+    if (!shape) throw MapError("intersect with nothing");
+    const std::vector<int> ids = near(*shape);
+    if (ids.empty()) return nullptr;
+    auto h = geosContext();
+    GeomPtr g = shape->geom();
+    const Envelope e = shape->envelope();
+    const int type = GEOSGeomTypeId_r(h, g.get());
+    const bool areas = type == GEOS_POLYGON || type == GEOS_MULTIPOLYGON;
+    auto test = [](char answer) {
+        if (answer != 0 && answer != 1) throw MapError("predicate failed");
+        return answer == 1;
+    };
+    std::vector<int> hits;
+    for (int i : ids) {
+        const GEOSPreparedGeometry* p = part(i).prepared();
+        if (areas && envs_[size_t(i)].contains(e) && test(GEOSPreparedContainsProperly_r(h, p, g.get())))
+            return shapeFromGeom(adoptGeom(GEOSGeom_clone_r(h, g.get())));
+        if (test(GEOSPreparedIntersects_r(h, p, g.get()))) hits.push_back(i);
+    }
+    if (hits.empty()) return nullptr;
+    if (hits.size() == 1) return part(hits.front()).Intersect(shape);
+    std::vector<GeomPtr> pieces;
+    for (int i : hits)
+        if (ShapePtr piece = part(i).Intersect(shape)) pieces.push_back(piece->geom());
+    return unionAll(pieces);
+}
+
 // --- union ------------------------------------------------------------------------
 
 PolygonPtr unionAll(const std::vector<GeomPtr>& polygons)

@@ -68,6 +68,38 @@ private:
     std::unordered_map<uint64_t, Tile> tiles_;
 };
 
+// Polygons whose union is meant, kept apart. Near a shape the union of all
+// equals the union of the parts whose boxes meet the shape's box, so a cut
+// with the union needs those few parts only, and the whole union of
+// thousands of parts is made only when it is asked for.
+class PolygonSet {
+public:
+    explicit PolygonSet(std::vector<GeomPtr> parts);
+    PolygonSet(const PolygonSet&) = delete;
+    PolygonSet& operator=(const PolygonSet&) = delete;
+    ~PolygonSet();
+
+    size_t size() const { return parts_.size(); }
+    // Parts whose boxes meet the shape's box, in the order given.
+    std::vector<int> near(const Shape& shape) const;
+    // The union of all parts, made at first use. None for no parts.
+    PolygonPtr whole();
+    // The same point set as whole()->Intersect(shape), and like it a
+    // Polygon or none (a failing cut throws). The shape itself comes back
+    // when one part holds it in its interior.
+    ShapePtr intersect(const ShapePtr& shape);
+
+private:
+    const GeoShape& part(int i);
+
+    std::vector<GeomPtr> parts_;
+    std::vector<Envelope> envs_;
+    std::vector<std::shared_ptr<Polygon>> shapes_;  // for the prepared tests, made at first use
+    GEOSSTRtree* tree_ = nullptr;
+    PolygonPtr whole_;
+    bool wholeMade_ = false;
+};
+
 // Polygons united in one call (a cascaded union): the same area as uniting
 // them one after another.
 PolygonPtr unionAll(const std::vector<GeomPtr>& polygons);

@@ -2,7 +2,10 @@
 // use, in the wind range and, if asked, outside the protected areas.
 #include "app/frmMain.h"
 #include "app/messages.h"
+#include <functional>
+
 #include "engine/expressions.h"
+#include "engine/line_buffers.h"
 #include "engine/overlay_support.h"
 #include "engine/queries.h"
 #include "engine/query_run.h"
@@ -42,26 +45,9 @@ PolygonPtr subtractProtected(PolygonPtr polygon, overlay::Selection& areas)
     return polygon;
 }
 
-}  // namespace
-
-void wind_all()
-{
-    try {
-        HideContextLayers({"37_subcountrybnd2.shp", "42_railroad.shp", "43_roads.shp", "44_transmissionline.shp",
-                           "37_subcountrybnd2.shp", "42_railroad.shp"},
-                          true);
-        PolygonPtr roads = create_line_buffers("43_roads.shp", sngRoadDistance);
-        if (!roads || bCancelQuery) return;
-        PolygonPtr transmission = create_line_buffers("44_transmissionline.shp", sngTransmissionDistance);
-        if (!transmission || bCancelQuery) return;
-        PolygonPtr proximity = asPolygon(roads->Intersect(transmission));
-        if (!bCancelQuery) Wind_All_Overlay(proximity);
-    } catch (...) {
-        ErrorMessage(" Error Source:md_query_functions2.wind_all()", 48);
-    }
-}
-
-void Wind_All_Overlay(const PolygonPtr& oProximity)
+// The routine of Wind_All_Overlay; proximity gives the proximity area cut
+// with a land-use polygon, or throws where that cut fails.
+void windAllOverlay(const std::function<PolygonPtr(const ShapePtr&)>& proximity)
 {
     bool tolerant = false;
     auto step = [&](auto&& fn) {
@@ -89,7 +75,6 @@ void Wind_All_Overlay(const PolygonPtr& oProximity)
 
         // Land-use stage: the proximity area cut by each land-use polygon.
         Collection<PolygonPtr> pieces;
-        overlay::NearbyParts nearby(oProximity);
         int i = 0;
         if (records) {
             records->MoveFirst();
@@ -102,10 +87,7 @@ void Wind_All_Overlay(const PolygonPtr& oProximity)
                     tolerant = true;
                     PolygonPtr polygon;
                     try {
-                        ShapePtr land = records->Fields()("Shape").shapeValue();
-                        if (!oProximity || !land) throw MapError("nothing to intersect");
-                        PolygonPtr near = nearby.around(land->envelope());
-                        polygon = near ? asPolygon(near->Intersect(land)) : nullptr;
+                        polygon = proximity(records->Fields()("Shape").shapeValue());
                     } catch (...) {
                     }
                     if (polygon) step([&] { pieces.Add(polygon, QString::number(pieces.Count())); });
@@ -165,4 +147,41 @@ void Wind_All_Overlay(const PolygonPtr& oProximity)
     } catch (...) {
         if (!tolerant) ErrorMessage(" Error Source:md_query_functions2.Wind_All_Overlay()", 48);
     }
+}
+
+}  // namespace
+
+void wind_all()
+{
+    try {
+        HideContextLayers({"37_subcountrybnd2.shp", "42_railroad.shp", "43_roads.shp", "44_transmissionline.shp",
+                           "37_subcountrybnd2.shp", "42_railroad.shp"},
+                          true);
+        std::shared_ptr<overlay::PolygonSet> roads = line_buffer_parts("43_roads.shp", sngRoadDistance);
+        if (!roads || bCancelQuery) return;
+        std::shared_ptr<overlay::PolygonSet> transmission =
+            line_buffer_parts("44_transmissionline.shp", sngTransmissionDistance);
+        if (!transmission || bCancelQuery) return;
+        // The common area of the two unions is never made as a whole: within a
+        // land-use polygon it is the transmission buffers there cut with the
+        // road buffers there.
+        if (!bCancelQuery)
+            windAllOverlay([&](const ShapePtr& land) -> PolygonPtr {
+                if (!land) throw MapError("nothing to intersect");
+                PolygonPtr near = asPolygon(transmission->intersect(land));
+                return near ? asPolygon(roads->intersect(near)) : nullptr;
+            });
+    } catch (...) {
+        ErrorMessage(" Error Source:md_query_functions2.wind_all()", 48);
+    }
+}
+
+void Wind_All_Overlay(const PolygonPtr& oProximity)
+{
+    overlay::NearbyParts nearby(oProximity);
+    windAllOverlay([&](const ShapePtr& land) -> PolygonPtr {
+        if (!oProximity || !land) throw MapError("nothing to intersect");
+        PolygonPtr near = nearby.around(land->envelope());
+        return near ? asPolygon(near->Intersect(land)) : nullptr;
+    });
 }
