@@ -621,6 +621,16 @@ struct Map::Impl {
             const auto& pt = static_cast<const Point&>(shape);
             points.emplace_back(pt.X(), pt.Y());
         } else {
+            const QRectF box = ps.xf.map(env);
+            if (box.width() < SmallFeature && box.height() < SmallFeature) {
+                // Drawn as its box anyway: no need to walk the outline.
+                Look look = makeLook(symbol, kindOf(type == moLine ? moLine : moPolygon), ps.scale);
+                applyLook(p, look);
+                QPolygonF device;
+                drawFeature(p, ps.xf, {}, env, look, device);
+                p.restore();
+                return;
+            }
             GeomPtr g = shape.geom();
             collectGeom(geosContext(), g.get(), rings, points);
         }
