@@ -7,54 +7,54 @@
 
 TEST(NumberText, ShortestFormsAsThePlatformPrintedThem)
 {
-    EXPECT_EQ(vb::Str(200), "200");
-    EXPECT_EQ(vb::Str(2.5), "2.5");
-    EXPECT_EQ(vb::Str(1.9999999999), "1.9999999999");
-    EXPECT_EQ(vb::Str(6.999999999), "6.999999999");
-    EXPECT_EQ(vb::Str(0.0001), "0.0001");
-    EXPECT_EQ(vb::Str(10000), "10000");
-    EXPECT_EQ(vb::Str(-1), "-1");
-    EXPECT_EQ(vb::Str(0), "0");
-    EXPECT_EQ(vb::Str(123456789012.0), "123456789012");
+    EXPECT_EQ(conv::NumText(200), "200");
+    EXPECT_EQ(conv::NumText(2.5), "2.5");
+    EXPECT_EQ(conv::NumText(1.9999999999), "1.9999999999");
+    EXPECT_EQ(conv::NumText(6.999999999), "6.999999999");
+    EXPECT_EQ(conv::NumText(0.0001), "0.0001");
+    EXPECT_EQ(conv::NumText(10000), "10000");
+    EXPECT_EQ(conv::NumText(-1), "-1");
+    EXPECT_EQ(conv::NumText(0), "0");
+    EXPECT_EQ(conv::NumText(123456789012.0), "123456789012");
     // Through single precision: 6.5 stays 6.5, 0.1 keeps seven digits.
-    EXPECT_EQ(vb::StrSng(6.5f), "6.5");
-    EXPECT_EQ(vb::StrSng(0.1f), "0.1");
-    EXPECT_EQ(vb::StrSng(float(5.55)), "5.55");
+    EXPECT_EQ(conv::SingleText(6.5f), "6.5");
+    EXPECT_EQ(conv::SingleText(0.1f), "0.1");
+    EXPECT_EQ(conv::SingleText(float(5.55)), "5.55");
 }
 
 TEST(NumberText, NumericTexts)
 {
     for (const char* yes : {" 5 ", "5.", ".5", "1e3", "-1", "+2.5", "0.001", "25"})
-        EXPECT_TRUE(vb::IsNumeric(yes)) << yes;
+        EXPECT_TRUE(conv::IsNumeric(yes)) << yes;
     for (const char* no : {"", "   ", "abc", "1,000", "5 5", "Max", "-", "."})
-        EXPECT_FALSE(vb::IsNumeric(no)) << no;
-    EXPECT_DOUBLE_EQ(vb::CDbl(" 400.0 "), 400.0);
-    EXPECT_THROW(vb::CDbl("abc"), MapError);
+        EXPECT_FALSE(conv::IsNumeric(no)) << no;
+    EXPECT_DOUBLE_EQ(conv::ToDouble(" 400.0 "), 400.0);
+    EXPECT_THROW(conv::ToDouble("abc"), MapError);
 }
 
 TEST(NumberText, WholeNumbersRoundHalvesToEvenAndOverflow)
 {
-    EXPECT_EQ(vb::CInt(0.5), 0);
-    EXPECT_EQ(vb::CInt(1.5), 2);
-    EXPECT_EQ(vb::CInt(2.5), 2);
-    EXPECT_EQ(vb::CInt(-2.5), -2);
-    EXPECT_EQ(vb::CInt(32767), 32767);
-    EXPECT_THROW(vb::CInt(32768), MapError);
-    EXPECT_EQ(vb::MulLng(46340, 46340), 2147395600);
-    EXPECT_THROW(vb::MulLng(65536, 32768), MapError);
-    EXPECT_THROW(vb::CLng(2147483648.0), MapError);
+    EXPECT_EQ(conv::ToInt16(0.5), 0);
+    EXPECT_EQ(conv::ToInt16(1.5), 2);
+    EXPECT_EQ(conv::ToInt16(2.5), 2);
+    EXPECT_EQ(conv::ToInt16(-2.5), -2);
+    EXPECT_EQ(conv::ToInt16(32767), 32767);
+    EXPECT_THROW(conv::ToInt16(32768), MapError);
+    EXPECT_EQ(conv::MulInt32(46340, 46340), 2147395600);
+    EXPECT_THROW(conv::MulInt32(65536, 32768), MapError);
+    EXPECT_THROW(conv::ToInt32(2147483648.0), MapError);
 }
 
 TEST(NumberText, FormatsOfTheSystem)
 {
-    EXPECT_EQ(vb::FormatNumber(1234.5, 2), "1,234.50");
-    EXPECT_EQ(vb::FormatNumber(0.456, 2), "0.46");
-    EXPECT_EQ(vb::FormatNumber(5649627.4, 0), "5,649,627");
-    EXPECT_EQ(vb::FormatNumber(5, 1), "5.0");
-    EXPECT_EQ(vb::FormatPercent(0.125), "12.5%");
-    EXPECT_EQ(vb::FormatPercent(0), "0.0%");
-    EXPECT_EQ(vb::FormatPercent(1), "100.0%");
-    EXPECT_EQ(vb::Trim("  forest "), "forest");
+    EXPECT_EQ(conv::FormatNumber(1234.5, 2), "1,234.50");
+    EXPECT_EQ(conv::FormatNumber(0.456, 2), "0.46");
+    EXPECT_EQ(conv::FormatNumber(5649627.4, 0), "5,649,627");
+    EXPECT_EQ(conv::FormatNumber(5, 1), "5.0");
+    EXPECT_EQ(conv::FormatPercent(0.125), "12.5%");
+    EXPECT_EQ(conv::FormatPercent(0), "0.0%");
+    EXPECT_EQ(conv::FormatPercent(1), "100.0%");
+    EXPECT_EQ(conv::Trim("  forest "), "forest");
 }
 
 TEST(KeyedCollection, KeysIgnoreCaseAndMissingKeysFail)

@@ -365,10 +365,10 @@ void FrmMain::Form_Load()
         setFormSize(FormWidth(), 8835);
         SetHeight(Toolbar1, 420);
 
-        iFrameWidthMargin = vb::CInt(FormWidth() - Twips(fraMapHolder).Width);
-        iFrameHeightMargin = vb::CInt(FormHeight() - Twips(fraMapHolder).Height);
-        iMapWidthMargin = vb::CInt(FormWidth() - Twips(Map1).Width);
-        iMapHeightMargin = vb::CInt(FormHeight() - Twips(Map1).Height);
+        iFrameWidthMargin = conv::ToInt16(FormWidth() - Twips(fraMapHolder).Width);
+        iFrameHeightMargin = conv::ToInt16(FormHeight() - Twips(fraMapHolder).Height);
+        iMapWidthMargin = conv::ToInt16(FormWidth() - Twips(Map1).Width);
+        iMapHeightMargin = conv::ToInt16(FormHeight() - Twips(Map1).Height);
 
         sStandardFiles = {
             "01_elevation.shp",       "02_landuse.shp",        "11_solar_direct.shp",    "12_solar_tilt.shp",
@@ -606,8 +606,8 @@ void FrmMain::FillScaleComboBox()
 void FrmMain::Map1_MouseDown(int button, int shift, float x, float y)
 {
     try {
-        iDownX = vb::CInt(x);
-        iDownY = vb::CInt(y);
+        iDownX = conv::ToInt16(x);
+        iDownY = conv::ToInt16(y);
         if (!cmdZoomIn->isEnabled())
             return;
         switch (iToolMode) {

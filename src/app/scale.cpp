@@ -59,7 +59,7 @@ QString CalculateScale(Map* map)
         }
 
         const double scale = checked(checkedDiv(groundInches, mapInches));
-        return QStringLiteral("Scale 1 : ") + vb::FormatNumber(scale, 0);
+        return QStringLiteral("Scale 1 : ") + conv::FormatNumber(scale, 0);
     } catch (...) {
         ErrorMessage(" Error while calculating the scale factor. Error Source:md_functions.CalculateScale()", 48);
         return QString();

@@ -13,9 +13,9 @@ QString CreateWindSelectExpression()
         FrmMain& f = frmMain();
         // "Max" means no upper limit: every density in the data lies below 10000.
         const QString maxText = f.cboQueryDropDown2->Text();
-        const double upper = maxText == QLatin1String("Max") ? 10000.0 : vb::CDbl(maxText);
-        const double lower = vb::CDbl(f.cboQueryDropDown->Text());
-        return QStringLiteral("WINDPWRD >= ") + vb::Str(lower) + QStringLiteral(" AND WINDPWRD <= ") + vb::Str(upper);
+        const double upper = maxText == QLatin1String("Max") ? 10000.0 : conv::ToDouble(maxText);
+        const double lower = conv::ToDouble(f.cboQueryDropDown->Text());
+        return QStringLiteral("WINDPWRD >= ") + conv::NumText(lower) + QStringLiteral(" AND WINDPWRD <= ") + conv::NumText(upper);
     } catch (...) {
         ErrorMessage(" Error Source:md_query_functions2.CreateWindSelectExpression()", 48);
         return QString();
@@ -27,8 +27,8 @@ QString CreateSolarSelectExpression()
     try {
         FrmMain& f = frmMain();
         // Single precision on purpose: the wind expression keeps doubles.
-        const QString minimum = vb::StrSng(vb::CSng(f.cboQueryDropDown->Text()));
-        const QString maximum = vb::StrSng(vb::CSng(f.cboQueryDropDown2->Text()));
+        const QString minimum = conv::SingleText(conv::ToSingle(f.cboQueryDropDown->Text()));
+        const QString maximum = conv::SingleText(conv::ToSingle(f.cboQueryDropDown2->Text()));
         return sSolarField + QStringLiteral(" >= ") + minimum + QStringLiteral(" AND ") + sSolarField +
                QStringLiteral(" <= ") + maximum;
     } catch (...) {

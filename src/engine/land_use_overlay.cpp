@@ -65,7 +65,7 @@ void Wind_Landuse_Overlay()
         const int windCount = countOf(windRecords);
         cFieldValues = std::make_shared<Collection<QVariant>>();
         sFieldName = "WINDPWRD";
-        const int pairs = vb::MulLng(windCount, landCount);
+        const int pairs = conv::MulInt32(windCount, landCount);
         if (pairs < 1) return;
 
         n = 1;

@@ -53,7 +53,7 @@ std::shared_ptr<overlay::PolygonSet> line_buffer_parts(const QString& sLayerFile
         MapLayerPtr layer = layerOf(sLayerFile);
         RecordsetPtr records = layer->SearchExpression("FeatureID > -1");
         if (!records) throw MapError("layer without records");
-        const int16_t count = vb::CInt(records->CalculateStatistics("FeatureID")->Count);
+        const int16_t count = conv::ToInt16(records->CalculateStatistics("FeatureID")->Count);
         const double d = double(sngDistance * 1000.0f);  // single precision, as the distance is kept
         int done = 0;
         auto recordText = [&] {

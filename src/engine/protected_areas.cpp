@@ -86,7 +86,7 @@ void Wind_ProtectedArea_Overlay()
         const QString expression = CreateWindSelectExpression();
         windRecords = layerOf("20_wind.shp")->SearchExpression(expression);
         windCount = countOf(windRecords);
-        vb::MulLng(windCount, protectedCount);  // never used, but its overflow ends the query
+        conv::MulInt32(windCount, protectedCount);  // never used, but its overflow ends the query
         cFieldValues = std::make_shared<Collection<QVariant>>();
         sFieldName = "WINDPWRD";
         n = 1;

@@ -87,18 +87,18 @@ void fill_cShapes_collection(const QString& sQueryName)
         } else if (sQueryName == QLatin1String("Best wind + land use")) {
             wind_with_land_use();
         } else if (sQueryName == QLatin1String("Best wind + roads")) {
-            sngRoadDistance = vb::CSng(f.txtQuery1[2]->Text());
+            sngRoadDistance = conv::ToSingle(f.txtQuery1[2]->Text());
             wind_with_roads();
         } else if (sQueryName == QLatin1String("Best wind + transmission")) {
-            sngTransmissionDistance = vb::CSng(f.txtQuery1[2]->Text());
+            sngTransmissionDistance = conv::ToSingle(f.txtQuery1[2]->Text());
             wind_with_transmission();
         } else if (sQueryName == QLatin1String("Best wind (all)")) {
-            sngTransmissionDistance = vb::CSng(f.txtQuery1[1]->Text());
-            sngRoadDistance = vb::CSng(f.txtQuery1[2]->Text());
+            sngTransmissionDistance = conv::ToSingle(f.txtQuery1[1]->Text());
+            sngRoadDistance = conv::ToSingle(f.txtQuery1[2]->Text());
             wind_all();
         } else if (sQueryName == QLatin1String("Best Solar X kWh/m2/day")) {
             GetSolarLayerChosen();
-            sngSolarMinimum = vb::CSng(f.txtQuery1[2]->Text());
+            sngSolarMinimum = conv::ToSingle(f.txtQuery1[2]->Text());
             solar_x_kwhm2_or_better();
         } else if (sQueryName == QLatin1String("Best solar off-grid systems")) {
             GetSolarLayerChosen();
@@ -173,7 +173,7 @@ void ResetProgressRepaintSeconds() { gRepaintNanoseconds = 0; }
 
 QString ProgressText(const QString& prefix, double fraction)
 {
-    return prefix + vb::FormatPercent(fraction) + QStringLiteral(" finished");
+    return prefix + conv::FormatPercent(fraction) + QStringLiteral(" finished");
 }
 
 void YieldToEvents()

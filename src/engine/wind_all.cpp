@@ -104,7 +104,7 @@ void windAllOverlay(const std::function<PolygonPtr(const ShapePtr&)>& proximity)
             recordCount = countOf(records);
         });
         int steps = 0;
-        step([&] { steps = vb::MulLng(recordCount, pieces.Count()); });
+        step([&] { steps = conv::MulInt32(recordCount, pieces.Count()); });
         if (steps <= 0) return;
 
         const bool ticked = f.chkProtectedAreas->checkState() == Qt::Checked;

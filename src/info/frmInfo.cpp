@@ -133,7 +133,7 @@ void FrmInfo::Form_Activate()
         const LayersCollection& layers = map->Layers();
         for (int i = 0; i < layers.Count(); ++i) {
             const MapLayerPtr layer = layers.Item(i);
-            if (!layer->Visible || vb::UCase(layer->Tag) == vb::UCase("39_countryboundary.shp")) continue;
+            if (!layer->Visible || conv::Upper(layer->Tag) == conv::Upper("39_countryboundary.shp")) continue;
 
             const double distance = layer->shapeType() == moPolygon ? 0.0 : double(sngTolerance);
             const RecordsetPtr rs = layer->SearchByDistance(point, distance, QString());
@@ -147,11 +147,11 @@ void FrmInfo::Form_Activate()
                 for (int j = 0; j < fields.Count(); ++j) {
                     const Field field = fields.at(j);
                     const QString name = field.Name();
-                    if (vb::LCase(name) == "shape") continue;
-                    if (!isShowValue(layer->Tag, vb::UCase(name))) continue;
+                    if (conv::Lower(name) == "shape") continue;
+                    if (!isShowValue(layer->Tag, conv::Upper(name))) continue;
                     if (bSortedOutput) {
-                        const QString key = vb::UCase(name);
-                        if (!dFieldValues.contains(key)) dFieldValues.insert(key, vb::UCase(fields.Item(name).toText()));
+                        const QString key = conv::Upper(name);
+                        if (!dFieldValues.contains(key)) dFieldValues.insert(key, conv::Upper(fields.Item(name).toText()));
                     } else {
                         sOutput += name + ": " + field.toText() + CRLF;
                     }
@@ -195,9 +195,9 @@ bool FrmInfo::isShowValue(const QString& sLayerTag, const QString& sFieldName)
 bool FrmInfo::isFieldExistInArray(const QStringList& fieldList, const QString& sFieldName)
 {
     try {
-        const QString wanted = vb::UCase(sFieldName);
+        const QString wanted = conv::Upper(sFieldName);
         for (const QString& entry : fieldList)
-            if (vb::UCase(entry) == wanted) return true;
+            if (conv::Upper(entry) == wanted) return true;
         return false;
     } catch (...) {
         ErrorMessage(" Error Source:frmInfo.isFieldExistInArray()", 48);
@@ -222,7 +222,7 @@ QString FrmInfo::sortAndMakeOutputString(const QStringList& fieldList)
     try {
         QString sOutput;
         for (const QString& entry : fieldList) {
-            const QString name = vb::UCase(entry);
+            const QString name = conv::Upper(entry);
             const auto it = dFieldValues.constFind(name);
             if (it != dFieldValues.constEnd()) sOutput += name + " : " + *it + CRLF;
         }
@@ -271,8 +271,8 @@ QString IdentifyTextAt(double x, double y)
         const double perTwipX = (inch->X() - origin->X()) / 1440;
         const double perTwipY = (inch->Y() - origin->Y()) / 1440;
         if (perTwipX == 0 || perTwipY == 0) return QString();
-        main.iDownX = vb::CInt((x - origin->X()) / perTwipX);
-        main.iDownY = vb::CInt((y - origin->Y()) / perTwipY);
+        main.iDownX = conv::ToInt16((x - origin->X()) / perTwipX);
+        main.iDownY = conv::ToInt16((y - origin->Y()) / perTwipY);
 
         ShowFrmInfo();
         FrmInfo& form = frmInfo();

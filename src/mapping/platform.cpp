@@ -7,7 +7,7 @@
 
 #include "mapping/maperror.h"
 
-namespace vb {
+namespace conv {
 
 namespace {
 
@@ -42,12 +42,12 @@ const QRegularExpression& numericPattern()
 
 }  // namespace
 
-QString Str(double v) { return shortest(v, 15); }
-QString StrSng(float v) { return shortest(double(v), 7); }
+QString NumText(double v) { return shortest(v, 15); }
+QString SingleText(float v) { return shortest(double(v), 7); }
 
 bool IsNumeric(const QString& s) { return numericPattern().match(s).hasMatch(); }
 
-double CDbl(const QString& s)
+double ToDouble(const QString& s)
 {
     if (!IsNumeric(s)) throw MapError("type mismatch: not a number");
     QString t = s.trimmed();
@@ -58,28 +58,28 @@ double CDbl(const QString& s)
     return v;
 }
 
-float CSng(const QString& s)
+float ToSingle(const QString& s)
 {
-    double v = CDbl(s);
+    double v = ToDouble(s);
     if (std::fabs(v) > double(std::numeric_limits<float>::max())) throw MapError("overflow");
     return float(v);
 }
 
-int16_t CInt(double v)
+int16_t ToInt16(double v)
 {
     double r = std::nearbyint(v);  // halves to even under the default rounding mode
     if (!(r >= -32768.0 && r <= 32767.0)) throw MapError("overflow");
     return int16_t(r);
 }
 
-int32_t CLng(double v)
+int32_t ToInt32(double v)
 {
     double r = std::nearbyint(v);
     if (!(r >= -2147483648.0 && r <= 2147483647.0)) throw MapError("overflow");
     return int32_t(r);
 }
 
-int32_t MulLng(int32_t a, int32_t b)
+int32_t MulInt32(int32_t a, int32_t b)
 {
     int64_t p = int64_t(a) * int64_t(b);
     if (p > std::numeric_limits<int32_t>::max() || p < std::numeric_limits<int32_t>::min())
@@ -103,7 +103,7 @@ QString Trim(const QString& s)
     return s.mid(b, e - b);
 }
 
-QString UCase(const QString& s) { return s.toUpper(); }
-QString LCase(const QString& s) { return s.toLower(); }
+QString Upper(const QString& s) { return s.toUpper(); }
+QString Lower(const QString& s) { return s.toLower(); }
 
-}  // namespace vb
+}  // namespace conv

@@ -52,7 +52,7 @@ double Field::toDouble() const
 {
     const QVariant v = Value();
     if (!v.isValid() || v.isNull()) throw MapError("null value");
-    if (v.typeId() == QMetaType::QString) return vb::CDbl(v.toString());
+    if (v.typeId() == QMetaType::QString) return conv::ToDouble(v.toString());
     bool ok = false;
     double d = v.toDouble(&ok);
     if (!ok) throw MapError("not a number");
@@ -64,7 +64,7 @@ QString Field::toText() const
     const QVariant v = Value();
     if (!v.isValid() || v.isNull()) return QString("");
     switch (v.typeId()) {
-    case QMetaType::Double: return vb::Str(v.toDouble());
+    case QMetaType::Double: return conv::NumText(v.toDouble());
     case QMetaType::LongLong: return QString::number(v.toLongLong());
     default: return v.toString();
     }

@@ -235,5 +235,5 @@ int LandUseColour(const QString& value)
             for (const char* n : g.names) h.insert(QString::fromLatin1(n), RGB(g.red, g.green, g.blue));
         return h;
     }();
-    return byName.value(vb::UCase(vb::Trim(value)), LandUseDefaultColour);
+    return byName.value(conv::Upper(conv::Trim(value)), LandUseDefaultColour);
 }

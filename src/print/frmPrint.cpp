@@ -412,7 +412,7 @@ void FrmPrint::setupScalebar()
         if (map1->Layers().Count() >= 1) {
             CoordinateSystemPtr cs = map1->Layers().Item(0)->CoordinateSystem();
             if (!cs) throw MapError("top layer has no coordinate system");
-            const QString unit = vb::UCase(cs->Unit.Name);
+            const QString unit = conv::Upper(cs->Unit.Name);
             if (unit == "DEGREE")
                 units = ScaleBar::Degrees;
             else if (unit == "FEET")
@@ -461,10 +461,10 @@ int16_t ConvTwips2Pix(const ScreenMetrics& screen, double twips, int axis)
     try {
         if (axis == 0) {
             if (screen.TwipsPerPixelX == 0) throw MapError("division by zero");
-            result = vb::CInt(twips / screen.TwipsPerPixelX);
+            result = conv::ToInt16(twips / screen.TwipsPerPixelX);
         } else if (axis == 1) {
             if (screen.TwipsPerPixelY == 0) throw MapError("division by zero");
-            result = vb::CInt(twips / screen.TwipsPerPixelY);
+            result = conv::ToInt16(twips / screen.TwipsPerPixelY);
         } else {
             result = -1;
         }
@@ -485,9 +485,9 @@ int16_t FrmPrint::ConvPrinterPix2FrameInch(double value, int axis)
     int16_t result = 0;
     try {
         if (axis == 0)
-            result = vb::CInt(currentPrinter()->TwipsPerPixelX() * value / 1440);
+            result = conv::ToInt16(currentPrinter()->TwipsPerPixelX() * value / 1440);
         else if (axis == 1)
-            result = vb::CInt(currentPrinter()->TwipsPerPixelY() * value / 1440);
+            result = conv::ToInt16(currentPrinter()->TwipsPerPixelY() * value / 1440);
         else
             result = -1;
     } catch (...) {
@@ -502,9 +502,9 @@ int16_t FrmPrint::ConvFrameInch2PrinterPix(double value, int axis)
     int16_t result = 0;
     try {
         if (axis == 0)
-            result = vb::CInt(value * 1440 / currentPrinter()->TwipsPerPixelX());
+            result = conv::ToInt16(value * 1440 / currentPrinter()->TwipsPerPixelX());
         else if (axis == 1)
-            result = vb::CInt(value * 1440 / currentPrinter()->TwipsPerPixelY());
+            result = conv::ToInt16(value * 1440 / currentPrinter()->TwipsPerPixelY());
         else
             result = -1;
     } catch (...) {
@@ -533,7 +533,7 @@ void FrmPrint::cmdPrint_Click()
         // The page is laid out for 600 dpi (2.4 twips to the dot). The y
         // factor is made whole, halves to even: at 1200 dpi and finer it is 0.
         scaleX = printer->TwipsPerPixelX() / 2.4;
-        scaleY = vb::CInt(printer->TwipsPerPixelY() / 2.4);
+        scaleY = conv::ToInt16(printer->TwipsPerPixelY() / 2.4);
         auto x = [&](double c) { return c / scaleX; };
         auto y = [&](double c) {
             if (scaleY == 0) throw MapError("division by zero");
@@ -548,7 +548,7 @@ void FrmPrint::cmdPrint_Click()
         if (!painter.begin(printer->device())) throw MapError("the printer cannot be opened");
         lastPage.push_back({"Print", {}});
 
-        const QRect mapBox(vb::CLng(x(300)), vb::CLng(y(350)), vb::CLng(x(4000)), vb::CLng(y(3700)));
+        const QRect mapBox(conv::ToInt32(x(300)), conv::ToInt32(y(350)), conv::ToInt32(x(4000)), conv::ToInt32(y(3700)));
         painter.save();
         frmMain().Map1->OutputMap(&painter, mapBox.x(), mapBox.y(), mapBox.width(), mapBox.height(), 1);
         painter.restore();
@@ -565,7 +565,7 @@ void FrmPrint::cmdPrint_Click()
 
         const int16_t p = ConvTwips2Pix(Screen(), Twips(Picture1).Height, 1);
         const float legendHeight = float(y(p) + y(900));
-        const int16_t legendTop = vb::CInt(y(4000));
+        const int16_t legendTop = conv::ToInt16(y(4000));
         const double height = y(500) + legendHeight;
         paintPicture("Picture1", Picture1->Picture(), QRectF(x(500), legendTop, x(1000), height));
         paintPicture("Picture4", Picture4->Picture(), QRectF(x(1000) + x(500), legendTop, x(1000), height));

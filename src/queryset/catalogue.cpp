@@ -56,7 +56,7 @@ const std::vector<Requirement> SolarResources = {
 
 QString comparable(const QString& s)
 {
-    return vb::UCase(vb::Trim(s));
+    return conv::Upper(conv::Trim(s));
 }
 
 }  // namespace

@@ -46,7 +46,7 @@ void landUseList(FrmMain& f)
 
 void defaultDistanceIfNotNumeric(TextBox* box)
 {
-    if (!vb::IsNumeric(box->Text())) box->setText("2");
+    if (!conv::IsNumeric(box->Text())) box->setText("2");
 }
 
 // One decimal, halves to the even digit, as the platform rounded.
@@ -87,7 +87,7 @@ void fillSolarLists(FrmMain& f)
         auto renderer = std::dynamic_pointer_cast<ClassBreaksRenderer>(f.Map1->Layers().Item(id)->Renderer);
         if (!renderer) throw MapError("solar layer without class breaks");
         for (int j = 0; j < renderer->BreakCount(); ++j) {
-            const QString text = vb::Str(roundToOneDecimal(renderer->Break(j)));
+            const QString text = conv::NumText(roundToOneDecimal(renderer->Break(j)));
             f.cboQueryDropDown->AddItem(text);
             f.cboQueryDropDown2->AddItem(text);
         }
@@ -101,7 +101,7 @@ void fillSolarLists(FrmMain& f)
 
     if (found < 0) {
         for (int k = 0; k <= 14; ++k) {
-            const QString text = vb::Str(2.0 + 0.5 * k);
+            const QString text = conv::NumText(2.0 + 0.5 * k);
             f.cboQueryDropDown->AddItem(text);
             f.cboQueryDropDown2->AddItem(text);
         }

@@ -31,7 +31,7 @@ void FillWindDensityDropDowns()
         auto renderer = std::dynamic_pointer_cast<ClassBreaksRenderer>(layerOf("20_wind.shp")->Renderer);
         if (!renderer) throw MapError("wind layer without class breaks");
         for (int i = 0; i < renderer->BreakCount(); ++i) {
-            const QString text = vb::Str(renderer->Break(i));
+            const QString text = conv::NumText(renderer->Break(i));
             f.cboQueryDropDown->AddItem(text);
             f.cboQueryDropDown2->AddItem(text);
         }
@@ -103,7 +103,7 @@ void getMaxWindDensity()
         }
         const double maxDensity = stats->Max;
         if (maxDensity > 200) return;
-        const QString m = vb::Str(maxDensity);
+        const QString m = conv::NumText(maxDensity);
         seam::MsgBox("The query results will be shown in light gray. Maximum Wind Power Density (" + m +
                      ") is less than 200. So you may not get proper rendering in the output map. You will have to "
                      "type in a value less than " +

@@ -194,7 +194,7 @@ void UpdateQueryDataForm()
     if (!rows) return;
     try {
         FrmShowQueryData& form = frmShowQueryData();
-        const QString field = vb::UCase(vb::Trim(sFieldName));
+        const QString field = conv::Upper(conv::Trim(sFieldName));
         const bool solar = field == QLatin1String("ANNDIR") || field == QLatin1String("ANNTILT") ||
                            field == QLatin1String("ANNGLO");
         // Rows are only ever filled: rows beyond this result keep what they showed.
@@ -203,7 +203,7 @@ void UpdateQueryDataForm()
             form.shpLayerColor[r]->setFillColor(row.color);
             form.shpLayerColor[r]->setVisible(true);
             if (solar) form.shpLayerColor[r]->setBorderWidth(2);
-            form.lblArea[r]->setText(vb::FormatNumber(row.area, 2) + QStringLiteral(" sq km"));
+            form.lblArea[r]->setText(conv::FormatNumber(row.area, 2) + QStringLiteral(" sq km"));
             form.lblArea[r]->setVisible(true);
             form.lblDescription[r]->setText(row.description);
             form.lblDescription[r]->setVisible(true);
@@ -223,10 +223,10 @@ QString CreateAreaDescription(int color)
             const int b = renderer->BreakCount();
             const int i = symbolIndexOf(*renderer, color);
             if (i < 0) return QStringLiteral("Wind Power Density < 200");
-            if (i == 0) return QStringLiteral("Wind Power Density < ") + vb::Str(renderer->Break(0));
-            if (i == b) return QStringLiteral("Wind Power Density >= ") + vb::Str(renderer->Break(i - 1));
-            return QStringLiteral("Wind Power Density >= ") + vb::Str(renderer->Break(i - 1)) + QStringLiteral(" and < ") +
-                   vb::Str(renderer->Break(i));
+            if (i == 0) return QStringLiteral("Wind Power Density < ") + conv::NumText(renderer->Break(0));
+            if (i == b) return QStringLiteral("Wind Power Density >= ") + conv::NumText(renderer->Break(i - 1));
+            return QStringLiteral("Wind Power Density >= ") + conv::NumText(renderer->Break(i - 1)) + QStringLiteral(" and < ") +
+                   conv::NumText(renderer->Break(i));
         }
         if (query == QLatin1String("Best Solar X kWh/m2/day")) {
             auto renderer = classBreaks(f.Map1->Layers().Item(f.cboQueryDropDown3->Text()));
@@ -234,10 +234,10 @@ QString CreateAreaDescription(int color)
             const int i = symbolIndexOf(*renderer, color);
             // Unlike wind, solar has no fixed text for a colour it does not know.
             if (i < 0) return QString();
-            if (i == 0) return QStringLiteral("Solar Resource < ") + vb::FormatNumber(renderer->Break(0), 1);
-            if (i == b) return QStringLiteral("Solar Resource >= ") + vb::FormatNumber(renderer->Break(i - 1), 1);
-            return QStringLiteral("Solar Resource >= ") + vb::FormatNumber(renderer->Break(i - 1), 1) + QStringLiteral(" < ") +
-                   vb::FormatNumber(renderer->Break(i), 1);
+            if (i == 0) return QStringLiteral("Solar Resource < ") + conv::FormatNumber(renderer->Break(0), 1);
+            if (i == b) return QStringLiteral("Solar Resource >= ") + conv::FormatNumber(renderer->Break(i - 1), 1);
+            return QStringLiteral("Solar Resource >= ") + conv::FormatNumber(renderer->Break(i - 1), 1) + QStringLiteral(" < ") +
+                   conv::FormatNumber(renderer->Break(i), 1);
         }
         return QString();
     } catch (...) {

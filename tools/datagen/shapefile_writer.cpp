@@ -34,29 +34,29 @@ std::runtime_error failure(const std::string& what, const std::string& path)
     return std::runtime_error(msg);
 }
 
-std::unique_ptr<OGRFieldDefn> fieldDefinition(const FieldSpec& spec)
+std::unique_ptr<OGRFieldDefn> fieldDefinition(const FieldSpec& field)
 {
-    if (spec.name.empty() || spec.name.size() > 10)
-        throw std::runtime_error("field name must have 1 to 10 characters: \"" + spec.name + "\"");
-    switch (spec.type) {
+    if (field.name.empty() || field.name.size() > 10)
+        throw std::runtime_error("field name must have 1 to 10 characters: \"" + field.name + "\"");
+    switch (field.type) {
     case 'C': {
-        auto f = std::make_unique<OGRFieldDefn>(spec.name.c_str(), OFTString);
-        f->SetWidth(spec.width > 0 ? spec.width : 80);
+        auto f = std::make_unique<OGRFieldDefn>(field.name.c_str(), OFTString);
+        f->SetWidth(field.width > 0 ? field.width : 80);
         return f;
     }
     case 'N': {
-        auto f = std::make_unique<OGRFieldDefn>(spec.name.c_str(), OFTReal);
-        f->SetWidth(spec.width > 0 ? spec.width : 19);
-        f->SetPrecision(spec.width == 0 && spec.precision == 0 ? 8 : spec.precision);
+        auto f = std::make_unique<OGRFieldDefn>(field.name.c_str(), OFTReal);
+        f->SetWidth(field.width > 0 ? field.width : 19);
+        f->SetPrecision(field.width == 0 && field.precision == 0 ? 8 : field.precision);
         return f;
     }
     case 'I': {
-        auto f = std::make_unique<OGRFieldDefn>(spec.name.c_str(), OFTInteger);
-        f->SetWidth(spec.width > 0 ? spec.width : 9);
+        auto f = std::make_unique<OGRFieldDefn>(field.name.c_str(), OFTInteger);
+        f->SetWidth(field.width > 0 ? field.width : 9);
         return f;
     }
     default:
-        throw std::runtime_error("unknown field type '" + std::string(1, spec.type) + "' of " + spec.name);
+        throw std::runtime_error("unknown field type '" + std::string(1, field.type) + "' of " + field.name);
     }
 }
 
