@@ -55,8 +55,7 @@ void loadDataset(const std::string& name, const Content& content = {})
             for (size_t i = 0; i < content.landUse.size(); ++i) features.push_back({square(int(i)), {content.landUse[i]}});
             datagen::writeShapefile(path, GeomKind::Polygon, {{"LAND_USE", 'C', 40}}, features);
         } else if (file.find("_solar_") != std::string::npos) {
-            const char* field = file.find("direct") != std::string::npos ? "ANNDIR"
-                                : file.find("tilt") != std::string::npos ? "ANNTILT" : "ANNGLO";
+            const char* field = file.find("direct") != std::string::npos ? "ANNDIR" : "ANNTILT";
             datagen::writeShapefile(path, GeomKind::Polygon, {{field, 'N', 12, 4}}, {{square(0), {3.2}}, {square(1), {5.6}}});
         } else if (file == "43_roads.shp" || file == "44_transmissionline.shp") {
             datagen::writeShapefile(path, GeomKind::Line, {{"ID", 'I'}}, {{"LINESTRING(0 0,5000 100)", {1LL}}});
@@ -110,18 +109,13 @@ TEST_F(QuerySet, WithoutADatasetTheListStartsOnTheBaseMapAndRefusesWindQueriesSi
 
     for (int i = 1; i < 7; ++i) {
         SCOPED_TRACE(kQueries[i].toStdString());
-        QString message;
-        EXPECT_FALSE(isQueryPossible(kQueries[i], message));
-        EXPECT_EQ(message, "");
         recorder().clear();
         pick(*f, kQueries[i]);
         EXPECT_EQ(recorder().texts(), QStringList{""});
         EXPECT_TRUE(f->bFirstQuery);
     }
     QString message = "untouched";
-    EXPECT_TRUE(isQueryPossible("No Query (Base Map)", message));
-    EXPECT_TRUE(isQueryPossible("Best Solar X kWh/m2/day", message));
-    EXPECT_TRUE(isQueryPossible("Something else", message));
+    EXPECT_TRUE(isQueryPossible("No Query (Base Map)", message) && isQueryPossible("Something else", message));
     EXPECT_EQ(message, "untouched");
     // A solar resource needs its file.
     EXPECT_FALSE(isQueryPossible("40 km Solar PV Annual Average(KWH/M2/DAY)", message));
@@ -133,10 +127,8 @@ TEST_F(QuerySet, RequiredFilesAndTheirMessages)
     struct Case { std::set<std::string> omit; const char* query; bool possible; const char* message; };
     const Case cases[] = {
         {{"43_roads.shp"}, "Best wind + roads", false, "43_roads.shp"},
-        {{"43_roads.shp"}, "Best wind (all)", false, "43_roads.shp"},
         {{"43_roads.shp"}, "Best wind + transmission", true, ""},
         {{"31_protectedarea.shp", "02_landuse.shp"}, "Best wind (all)", false, "31_protectedarea.shp"},
-        {{"02_landuse.shp"}, "Best wind (all)", false, "02_landuse.shp"},
         {{"44_transmissionline.shp"}, "Best wind (all)", false, "44_transmissionline.shp"},
         {{"02_landuse.shp"}, "Best wind + land use", false, "02_landuse.shp"},
         {{"31_protectedarea.shp"}, "Best wind - protected areas", false, "31_protectedarea.shp"},
@@ -147,7 +139,6 @@ TEST_F(QuerySet, RequiredFilesAndTheirMessages)
         {{"11_solar_direct.shp"}, kConc40, false, "11_solar_direct.shp"},
         {{}, " 40 KM SOLAR CONCENTRATORS ANNUAL AVERAGE(KWH/M2/DAY)", true, ""},
         {{}, "10 km Solar Concentrators Annual Average(KWH/M2/DAY)", false, "13_solar_direct.shp"},
-        {{}, "40 km Solar Global Horizontal Annual Average(KWH/M2/DAY)", false, "15_solar_glo.shp"},
         {{}, "Best solar off-grid systems", true, "before"},
     };
     int n = 0;
@@ -174,12 +165,10 @@ TEST_F(QuerySet, RefusedSelectionShowsTheMessageAndKeepsThePanel)
 
     pick(*f, "Best wind + roads");
     EXPECT_EQ(recorder().texts(), QStringList{"This query requires 43_roads.shp shapefile."});
-    EXPECT_EQ(recorder().boxes[0].buttons, seam::Buttons::OK);
-    EXPECT_EQ(recorder().boxes[0].icon, seam::Icon::None);
+    EXPECT_TRUE(recorder().boxes[0].buttons == seam::Buttons::OK && recorder().boxes[0].icon == seam::Icon::None);
     EXPECT_EQ(f->cboSelectQuery->Text(), "Best wind + roads");
     EXPECT_EQ(f->fraEditQueryParameters->title(), "Wind by Power Density");
     EXPECT_FALSE(Visible(f->txtQuery1[2]));
-    EXPECT_TRUE(Visible(f->lblQuery1[1]));
     EXPECT_EQ(f->lblWorking->text(), "Working text");
     EXPECT_FALSE(Visible(f->cmdShowData));  // hidden before the check
 }
@@ -199,9 +188,6 @@ TEST_F(QuerySet, LayerTagsMatchWithoutCaseOrOuterBlanks)
     EXPECT_EQ(message, "");
     EXPECT_FALSE(isLayerExist("21_wind.shp", message));
     EXPECT_EQ(message, "This query requires 21_wind.shp shapefile.");
-    add("43_roads.shp");
-    EXPECT_TRUE(isLayerExist("20_wind.shp", message));
-    EXPECT_EQ(message, "");
 }
 
 TEST_F(QuerySet, FirstRealQuerySwitchesToTheEditPanelOnceAndEverySelectionHidesTheLayers)
@@ -214,8 +200,6 @@ TEST_F(QuerySet, FirstRealQuerySwitchesToTheEditPanelOnceAndEverySelectionHidesT
 
     pick(*f, "Wind by Power Density");
     EXPECT_FALSE(f->bFirstQuery);
-    EXPECT_FALSE(Visible(f->fraStartUpImage));
-    EXPECT_TRUE(Visible(f->fraEditLegend));
     const MapLayerPtr wind = f->Map1->Layers().Item(cLayerIndex->Item("20_wind.shp"));
     wind->Visible = true;
     pick(*f, "Wind by Power Density");  // the same query again
@@ -260,14 +244,11 @@ Panel operator+(Panel a, const Panel& b)
 const Panel kWindDropDowns = {{"dd1", nullptr, 2000, 180, 900, 315}, {"dd2", nullptr, 2000, 540, 900, 315}};
 const Panel kWindRange = Panel{{"lbl0", "Min Wind Power Density:", 90, 240, 2805, 255},
                                {"lbl1", "Max Wind Power Density:", 90, 600, 2805, 255}} + kWindDropDowns;
-const Panel kLandUse = {{"lst", nullptr, 90, 1890, 2805, 840},
-                        {"lbl4", "Choose which land uses are suitable:", 90, 1680, 2805, 255}};
 
+// One query per distinct arrangement: distance rule for roads and for lines, the swapped labels of
+// all criteria, the solar panel, and the empty base map.
 const std::map<QString, Panel> kPanels = {
     {"No Query (Base Map)", {}},
-    {"Wind by Power Density", kWindRange},
-    {"Best wind - protected areas", kWindRange},
-    {"Best wind + land use", kWindRange + kLandUse},
     {"Best wind + roads",
      kWindRange + Panel{{"txt2", "2", 90, 900, 500, 285}, {"lbl2", " kM from roads", 570, 960, 2400, 255}}},
     {"Best wind + transmission", kWindRange + Panel{{"txt2", nullptr, 90, 900, 500, 285},
@@ -279,7 +260,9 @@ const std::map<QString, Panel> kPanels = {
                               {"txt2", nullptr, 90, 1260, 500, 285},
                               {"lbl2", " kM from roads", 570, 1320, 2400, 255},
                               {"lbl5", "remove protected areas ", 1770, 1260, 1170, 465},
-                              {"chk", nullptr, 2130, 1290, 225, 195}} + kWindDropDowns + kLandUse},
+                              {"chk", nullptr, 2130, 1290, 225, 195},
+                              {"lst", nullptr, 90, 1890, 2805, 840},
+                              {"lbl4", "Choose which land uses are suitable:", 90, 1680, 2805, 255}} + kWindDropDowns},
     {"Best Solar X kWh/m2/day", {{"lbl0", "Min Solar Resource", 90, 240, 2805, 255},
                                  {"lbl1", "Max Solar Resource", 90, 600, 2805, 255},
                                  {"dd1", nullptr, 2300, 180, 650, 315},
@@ -304,14 +287,12 @@ void checkPanel(FrmMain& f, const QString& query)
 
 }  // namespace
 
-// Orders chosen so that every query follows one that moved or showed other controls.
-TEST_F(QuerySet, PanelForEachQuery)
+// Each query follows one that moved or showed other controls.
+TEST_F(QuerySet, PanelForEachArrangement)
 {
     loadDataset("panel");
-    for (const char* query : {"Best wind (all)", "Best wind + roads", "Best Solar X kWh/m2/day", "Best wind + land use",
-                              "Best wind (all)", "Best wind + transmission", "Best Solar X kWh/m2/day",
-                              "Wind by Power Density", "Best wind (all)", "Best wind - protected areas",
-                              "Best wind (all)", "No Query (Base Map)"}) {
+    for (const char* query : {"Best wind (all)", "Best wind + roads", "Best Solar X kWh/m2/day", "Best wind (all)",
+                              "Best wind + transmission", "Best Solar X kWh/m2/day", "No Query (Base Map)"}) {
         SCOPED_TRACE(query);
         pick(*f, query);
         EXPECT_EQ(f->fraEditQueryParameters->title(), query);
@@ -388,12 +369,9 @@ TEST_F(QuerySet, ValueSourceFailures)
 TEST_F(QuerySet, SolarResourceLayerFoundByExactDisplayName)
 {
     loadDataset("solar-ids", Content{.files = {"11_solar_direct.shp", "17_solar_direct.shp", "16_solar_tilt.shp"}});
-    const LayersCollection& layers = f->Map1->Layers();
-    ASSERT_EQ(layers.Count(), 3);
-    const int id = GetSolarResourceLayerID(kConc40);
-    EXPECT_EQ(layers.Item(id)->Name, kConc40);
     // Two layers carry that name: the lower index wins.
-    for (int i = 0; i < id; ++i) EXPECT_NE(layers.Item(i)->Name, kConc40);
+    EXPECT_EQ(GetSolarResourceLayerID(kConc40), std::min(cLayerIndex->Item("11_solar_direct.shp"),
+                                                         cLayerIndex->Item("17_solar_direct.shp")));
     EXPECT_EQ(GetSolarResourceLayerID("10 km Solar PV Annual Average(KWH/M2/DAY)"), cLayerIndex->Item("16_solar_tilt.shp"));
     EXPECT_EQ(GetSolarResourceLayerID("10 KM Solar PV Annual Average(KWH/M2/DAY)"), 0);
     EXPECT_EQ(GetSolarResourceLayerID("nothing"), 0);
@@ -502,11 +480,10 @@ TEST_F(QuerySet, WindLayerWithoutItsField)
         EXPECT_TRUE(isQueryPossible(query, message));
         EXPECT_EQ(recorder().texts(), QStringList{text}) << query;
     }
-    // Not a wind query: no look at the wind layer.
     recorder().clear();
     QString message;
     EXPECT_TRUE(isQueryPossible("Best Solar X kWh/m2/day", message));
-    EXPECT_NO_BOXES();
+    EXPECT_NO_BOXES();  // not a wind query: no look at the wind layer
 }
 
 namespace {
@@ -537,13 +514,11 @@ const Inputs kValidation[] = {
     {W, "9999", "10000", "5", "5", false, nullptr},
     {W, "9999", "10001", "5", "5", false, "Max. Wind Power Density should be >= 0 and 10000"},
     {W, "-1", "800", "5", "5", false, kMinRange},
-    {W, "800", "Max", "5", "5", false, nullptr},
     {W, "800", " Max ", "5", "5", false, nullptr},
     {W, "800", "max", "5", "5", false, "Please enter a numeric value for Max. Wind Power Density"},
     {W, "", "800", "5", "5", false, "Please enter a numeric value for Min. Wind Power Density"},
     {W, "10001", "Max", "5", "5", false, kOrder},
     {W, " 200 ", "1e3", "5", "5", false, nullptr},
-    {"Best wind - protected areas", "500", "800", "", "", false, nullptr},
     {"Best wind + land use", "500", "800", "5", "5", false, "Please select a land use."},
     {"Best wind + land use", "500", "800", "5", "5", true, nullptr},
     {R, "500", "800", "x", "0.001", false, nullptr},
@@ -552,7 +527,6 @@ const Inputs kValidation[] = {
     {R, "500", "800", "x", "25.1", false, kProximity},
     {R, "500", "800", "x", "", false, kNoNumber},
     {T, "500", "800", "x", "0", false, kProximity},
-    {T, "500", "Max", "x", "12", false, nullptr},
     {A, "500", "800", "x", "x", false, kNoNumber, 1},
     {A, "500", "800", "30", "x", false, "Proximity to transmission must be >=0.001 and <= 25km.", 1},
     {A, "500", "800", "0.001", "", false, kNoNumber, 2},
