@@ -30,18 +30,13 @@ std::string num(double v)
     return b;
 }
 
+std::string xy(double x, double y) { return num(x) + " " + num(y); }
 std::string box(double x0, double y0, double x1, double y1)
 {
-    return "POLYGON((" + num(x0) + " " + num(y0) + "," + num(x1) + " " + num(y0) + "," + num(x1) + " " + num(y1)
-           + "," + num(x0) + " " + num(y1) + "," + num(x0) + " " + num(y0) + "))";
+    return "POLYGON((" + xy(x0, y0) + "," + xy(x1, y0) + "," + xy(x1, y1) + "," + xy(x0, y1) + "," + xy(x0, y0) + "))";
 }
-
-std::string line(double x0, double y0, double x1, double y1)
-{
-    return "LINESTRING(" + num(x0) + " " + num(y0) + "," + num(x1) + " " + num(y1) + ")";
-}
-
-std::string pointAt(double x, double y) { return "POINT(" + num(x) + " " + num(y) + ")"; }
+std::string line(double x0, double y0, double x1, double y1) { return "LINESTRING(" + xy(x0, y0) + "," + xy(x1, y1) + ")"; }
+std::string pointAt(double x, double y) { return "POINT(" + xy(x, y) + ")"; }
 
 datagen::AttrValue txt(const char* s) { return std::string(s); }
 
@@ -70,7 +65,7 @@ protected:
         tx = map().Width() / 2;
         ty = map().Height() / 2;
         ASSERT_GT(tx, 1000) << "the map control is too small for these cases";
-        p = map().ToMapPoint(float(tx), float(ty));
+        const PointPtr p = map().ToMapPoint(float(tx), float(ty));
         x = p->X();
         y = p->Y();
         around = box(x - 50, y - 50, x + 50, y + 50);
@@ -103,11 +98,7 @@ protected:
     }
 
     // The press position as Map1_MouseDown leaves it: the control's centre.
-    void pressAtCentre()
-    {
-        frmMain().iDownX = int16_t(tx);
-        frmMain().iDownY = int16_t(ty);
-    }
+    void pressAtCentre() { frmMain().iDownX = int16_t(tx), frmMain().iDownY = int16_t(ty); }
 
     QString identify()
     {
@@ -119,7 +110,6 @@ protected:
     std::string dir;
     const Rectangle view{0, 0, 100000, 100000};
     int tx = 0, ty = 0, files = 0;
-    PointPtr p;
     double x = 0, y = 0;
     std::string around;  // a square about the press point
 };
@@ -255,26 +245,16 @@ TEST_F(InfoTest, FieldsDifferingOnlyInCaseInBothFormats)
 
 // --- the filter on its own ------------------------------------------------
 
+// What the searches above do not show: the sorted flag is left alone for tags
+// without a list, and fields match without case.
 TEST(InfoFilter, IsShowValueByTagAndField)
 {
     struct Case { const char* tag; const char* field; bool shown; int sorted; };  // sorted -1: left alone
     const Case cases[] = {
-        {"01_elevation.shp", "ELEV_M", true, 0},        {"02_landuse.shp", "LAND_USE", true, 0},
-        {"02_landuse.shp", "AREA", false, 0},           {"11_solar_direct.shp", "ANNDIR", true, 1},
-        {"13_solar_direct.shp", "CELL_ID", true, 1},    {"15_solar_direct.shp", "ANNGLO", false, 1},
-        {"15_solar_glo.shp", "ANNGLO", true, 1},        {"15_solar_glo.shp", "JANDIR", false, 1},
-        {"16_solar_tilt.shp", "DECTILT", true, 1},      {"17_solar_direct.shp", "GRIDCODE", true, 1},
-        {"18_solar_tilt.shp", "ANNTILT", true, 1},      {"14_solar_glo.shp", "LAT", true, 1},
-        {"12_solar_tilt.shp", "ANNDIR", false, 1},      {"20_wind.shp", "WINDCLASS", true, 1},
-        {"20_wind.shp", "windpwrd", true, 1},           {"30_lakes.shp", "NAME", true, 0},
-        {"31_protectedarea.shp", "TYPE", true, 1},      {"36_subcountrybnd3.shp", "POP", true, 1},
-        {"38_subcountrybnd1.shp", "NAME", true, 1},     {"40_rivers.shp", "NAME", true, 0},
-        {"42_railroad.shp", "NAME", true, 0},           {"44_transmissionline.shp", "VOLTAGE", true, 1},
-        {"51_powerplant.shp", "CAPACITY", true, 1},     {"52_facilities.shp", "TYPE", true, 1},
-        {"53_airports.shp", "NAME", true, 0},           {"53_airports.shp", "TYPE", false, 0},
-        {"59_cities.shp", "POP", true, 1},              {"59_cities.shp", "FEATUREID", false, 1},
-        {"20_WIND.SHP", "WINDPWRD", false, -1},         {"21_wind.shp", "WINDPWRD", false, -1},
-        {"50_protectedarea.shp", "NAME", false, -1},    {"39_countryboundary.shp", "NAME", false, -1},
+        {"02_landuse.shp", "AREA", false, 0},        {"15_solar_glo.shp", "JANDIR", false, 1},
+        {"20_wind.shp", "windpwrd", true, 1},        {"53_airports.shp", "TYPE", false, 0},
+        {"59_cities.shp", "FEATUREID", false, 1},    {"20_WIND.SHP", "WINDPWRD", false, -1},
+        {"50_protectedarea.shp", "NAME", false, -1}, {"39_countryboundary.shp", "NAME", false, -1},
     };
     FrmInfo& f = frmInfo();
     for (const Case& c : cases) {
@@ -286,19 +266,6 @@ TEST(InfoFilter, IsShowValueByTagAndField)
     }
 }
 
-TEST(InfoFilter, SortedLinesComeInListOrderFromTheStoredValues)
-{
-    FrmInfo& f = frmInfo();
-    f.dFieldValues = {{"POP", "12"}, {"NAME", "ASH"}, {"EXTRA", "X"}};
-    EXPECT_EQ(f.sortBasedOnFieldNames("59_cities.shp"), "NAME : ASH\r\nPOP : 12\r\n");
-    EXPECT_EQ(f.sortAndMakeOutputString({"pop", "Name"}), "POP : 12\r\nNAME : ASH\r\n");
-    // Only the sorted rows of the table write anything here.
-    EXPECT_EQ(f.sortBasedOnFieldNames("30_lakes.shp"), "");
-    EXPECT_EQ(f.sortBasedOnFieldNames("59_CITIES.SHP"), "");
-    EXPECT_TRUE(f.isFieldExistInArray({"Elev_m"}, "elev_M"));
-    EXPECT_FALSE(f.isFieldExistInArray({}, "NAME"));
-}
-
 // --- the window ---------------------------------------------------------
 
 TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloads)
@@ -307,20 +274,14 @@ TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloads)
     EXPECT_EQ(first->windowTitle(), "Map Information");
     EXPECT_EQ(first->txtInfo->Text(), "Information from all layers");
     EXPECT_EQ(first->OKButton->text(), "OK");
-    const TwipsRect t = Twips(first->txtInfo);
-    EXPECT_EQ((std::array{t.Left, t.Top, t.Width, t.Height}), (std::array{90, 540, 6825, 8265}));
-    EXPECT_EQ(first->size(), QSize(TwipsToPx(6960), TwipsToPx(8865)));
     EXPECT_EQ(first->txtInfo->lineWrapMode(), QPlainTextEdit::NoWrap);
-    EXPECT_EQ(first->parentWidget(), &frmMain());
     EXPECT_FALSE(first->isModal());
 
     ShowFrmInfo();
     first->txtInfo->setText("something");
     first->OKButton->click();
     EXPECT_EQ(first->txtInfo->Text(), "");
-    EXPECT_TRUE(first->isHidden());
-    ASSERT_TRUE(frmInfoExists());
-    EXPECT_EQ(&frmInfo(), first);
+    EXPECT_TRUE(first->isHidden() && frmInfoExists());
 
     ShowFrmInfo();
     EXPECT_FALSE(first->isHidden());
