@@ -1,12 +1,7 @@
 // Query set-up: the list of queries, what each needs from the loaded dataset,
 // how the parameter panel is arranged and filled, and how its values are judged.
 #include <QApplication>
-#include <QDir>
-#include <gtest/gtest.h>
 #include <map>
-#include <set>
-#include <string>
-#include <vector>
 
 #include "mainwindow_fixture.h"
 #include "mapping/map.h"
@@ -67,10 +62,10 @@ void loadDataset(const std::string& name, const Content& content = {})
     recorder().clear();
 }
 
-Content without(std::set<std::string> omit)
+Content without(const std::set<std::string>& omit)
 {
     Content c;
-    for (const std::string& o : omit) c.files.erase(o);
+    std::erase_if(c.files, [&](const std::string& file) { return omit.contains(file); });
     return c;
 }
 
@@ -253,22 +248,17 @@ const std::map<QString, Panel> kPanels = {
      kWindRange + Panel{{"txt2", "2", 90, 900, 500, 285}, {"lbl2", " kM from roads", 570, 960, 2400, 255}}},
     {"Best wind + transmission", kWindRange + Panel{{"txt2", nullptr, 90, 900, 500, 285},
                                                     {"lbl2", " kM from transmission lines", 570, 960, 2400, 255}}},
-    {"Best wind (all)", Panel{{"lbl0", "Min Wind Power Density:", 90, 240, 2805, 255},
-                              {"lbl3", "Max Wind Power Density:", 90, 600, 2805, 255},
-                              {"txt1", nullptr, 90, 900, 500, 285},
-                              {"lbl1", " kM from transmission lines", 570, 960, 2400, 255},
-                              {"txt2", nullptr, 90, 1260, 500, 285},
-                              {"lbl2", " kM from roads", 570, 1320, 2400, 255},
-                              {"lbl5", "remove protected areas ", 1770, 1260, 1170, 465},
-                              {"chk", nullptr, 2130, 1290, 225, 195},
-                              {"lst", nullptr, 90, 1890, 2805, 840},
-                              {"lbl4", "Choose which land uses are suitable:", 90, 1680, 2805, 255}} + kWindDropDowns},
-    {"Best Solar X kWh/m2/day", {{"lbl0", "Min Solar Resource", 90, 240, 2805, 255},
-                                 {"lbl1", "Max Solar Resource", 90, 600, 2805, 255},
-                                 {"dd1", nullptr, 2300, 180, 650, 315},
-                                 {"dd2", nullptr, 2300, 540, 650, 315},
-                                 {"dd3", nullptr, 120, 1890, 2775, 315},
-                                 {"lbl4", "Choose which solar resource:", 90, 1680, 2805, 255}}},
+    {"Best wind (all)",
+     Panel{{"lbl0", "Min Wind Power Density:", 90, 240, 2805, 255}, {"lbl3", "Max Wind Power Density:", 90, 600, 2805, 255},
+           {"txt1", nullptr, 90, 900, 500, 285}, {"lbl1", " kM from transmission lines", 570, 960, 2400, 255},
+           {"txt2", nullptr, 90, 1260, 500, 285}, {"lbl2", " kM from roads", 570, 1320, 2400, 255},
+           {"lbl5", "remove protected areas ", 1770, 1260, 1170, 465}, {"chk", nullptr, 2130, 1290, 225, 195},
+           {"lst", nullptr, 90, 1890, 2805, 840}, {"lbl4", "Choose which land uses are suitable:", 90, 1680, 2805, 255}}
+         + kWindDropDowns},
+    {"Best Solar X kWh/m2/day",
+     {{"lbl0", "Min Solar Resource", 90, 240, 2805, 255}, {"lbl1", "Max Solar Resource", 90, 600, 2805, 255},
+      {"dd1", nullptr, 2300, 180, 650, 315}, {"dd2", nullptr, 2300, 540, 650, 315}, {"dd3", nullptr, 120, 1890, 2775, 315},
+      {"lbl4", "Choose which solar resource:", 90, 1680, 2805, 255}}},
 };
 
 void checkPanel(FrmMain& f, const QString& query)
