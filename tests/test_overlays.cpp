@@ -36,23 +36,35 @@ std::string bowtie(double x, double y, double s)
            " " + n(y + s) + "," + n(x) + " " + n(y) + "))";
 }
 
-void writeNamed(const std::string& dir, const std::string& file, const std::string& field,
-                const std::vector<std::pair<std::string, std::string>>& polys)
+using Named = std::vector<std::pair<std::string, std::string>>;
+
+void writeNamed(const std::string& dir, const std::string& file, const std::string& field, const Named& polys)
 {
     std::vector<datagen::FeatureSpec> features;
     for (const auto& [wkt, text] : polys) features.push_back({wkt, {text}});
     datagen::writeShapefile(dir + "/" + file, datagen::GeomKind::Polygon, {{field, 'C', 30}}, features);
 }
 
-void writeLandUse(const std::string& dir, const std::vector<std::pair<std::string, std::string>>& polys)
+// A hand-made dataset with a far city; empty parts are left out.
+struct Data {
+    std::vector<Poly> wind;
+    std::vector<std::string> roads, transmission;
+    Named landUse, protectedAreas;
+};
+
+std::string dataset(const std::string& name, const Data& d)
 {
-    writeNamed(dir, "02_landuse.shp", "LAND_USE", polys);
+    const std::string dir = testsupport::tempDir(name);
+    if (!d.wind.empty()) writePolygons(dir, "20_wind.shp", "WINDPWRD", d.wind);
+    if (!d.roads.empty()) writeLines(dir, "43_roads.shp", d.roads);
+    if (!d.transmission.empty()) writeLines(dir, "44_transmissionline.shp", d.transmission);
+    if (!d.landUse.empty()) writeNamed(dir, "02_landuse.shp", "LAND_USE", d.landUse);
+    if (!d.protectedAreas.empty()) writeNamed(dir, "31_protectedarea.shp", "NAME", d.protectedAreas);
+    writeCity(dir);
+    return dir;
 }
 
-void writeProtected(const std::string& dir, const std::vector<std::pair<std::string, std::string>>& polys)
-{
-    writeNamed(dir, "31_protectedarea.shp", "NAME", polys);
-}
+const std::vector<Poly> kOneWind = {{rect(0, 0, 1000, 1000), 500}};
 
 // Parallel segments 10 m long and 10 m apart: with a buffer of 1 m no two
 // buffers meet, so the area of the union counts the records in it.
@@ -73,6 +85,16 @@ const double kSegmentBuffer = 20.0 + 16.0 * std::sin(2 * M_PI / 32);
 double areaOf(const ShapePtr& s) { return std::dynamic_pointer_cast<GeoShape>(s)->Area(); }
 double areaAt(const QString& key) { return areaOf(cShapes->Item(key)); }
 
+// The results in order as (area, colour).
+void expectResults(const std::vector<std::pair<double, int>>& want)
+{
+    ASSERT_EQ(cShapes->Count(), int(want.size()));
+    for (size_t i = 0; i < want.size(); ++i) {
+        EXPECT_NEAR(areaAt(QString::number(i)), want[i].first, 1e-6) << i;
+        EXPECT_EQ(colorAt(QString::number(i)), want[i].second) << i;
+    }
+}
+
 bool covers(const PolygonPtr& p, double x, double y)
 {
     Point pt(x, y);
@@ -81,14 +103,15 @@ bool covers(const PolygonPtr& p, double x, double y)
 
 struct Panel {
     QString min = "400", max = "Max";
-    QStringList landUses;
-    QStringList chosen;
+    QStringList landUses, chosen;
     QString distance1 = "1", distance2 = "1";
     bool protectedTicked = true;
 };
 
-void setPanel(FrmMain& f, const Panel& p)
+FrmMain& loaded(const std::string& dir, const Panel& p = {})
 {
+    FrmMain& f = freshMain();
+    load(f, dir);
     setRange(f, p.min, p.max);
     f.lstQuery1->Clear();
     for (int i = 0; i < p.landUses.size(); ++i) {
@@ -98,18 +121,19 @@ void setPanel(FrmMain& f, const Panel& p)
     f.txtQuery1[1]->setText(p.distance1);
     f.txtQuery1[2]->setText(p.distance2);
     f.chkProtectedAreas->setChecked(p.protectedTicked);
-}
-
-FrmMain& loaded(const std::string& dir, const Panel& p = {})
-{
-    FrmMain& f = freshMain();
-    load(f, dir);
-    setPanel(f, p);
     testsupport::recorder().clear();
     return f;
 }
 
 QStringList boxTexts() { return testsupport::recorder().texts(); }
+
+QStringList overlaying(const QString& word, std::initializer_list<const char*> percents, bool finished = true)
+{
+    QStringList out = {word};
+    for (const char* p : percents) out << word + " " + p + "% finished";
+    if (finished) out << word + " finished";
+    return out;
+}
 
 }  // namespace
 
@@ -117,75 +141,48 @@ QStringList boxTexts() { return testsupport::recorder().texts(); }
 
 TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrder)
 {
-    const std::string dir = testsupport::tempDir("protected");
-    writePolygons(dir, "20_wind.shp", "WINDPWRD",
-                  {{rect(0, 0, 1000, 1000), 500},         // right half protected, and a notch
-                   {rect(3000, 0, 1000, 1000), 800},      // untouched: comes back whole
-                   {rect(5500, 500, 1000, 1000), 450},    // wholly protected: nothing
-                   {rect(9000, 0, 1000, 1000), 150}});    // below the range
-    writeProtected(dir, {{rect(500, -500, 1000, 2000), "East"},
-                         {rect(5000, 0, 2000, 2000), "Inner"},
-                         {rect(300, 200, 400, 100), "Notch"}});  // overlaps East: dissolved first
-    writeCity(dir);
-    loaded(dir);
-
+    loaded(dataset("protected", {.wind = {{rect(0, 0, 1000, 1000), 500},         // right half protected, and a notch
+                                          {rect(3000, 0, 1000, 1000), 800},      // untouched: comes back whole
+                                          {rect(5500, 500, 1000, 1000), 450},    // wholly protected: nothing
+                                          {rect(9000, 0, 1000, 1000), 150}},     // below the range
+                                 .protectedAreas = {{rect(500, -500, 1000, 2000), "East"},
+                                                    {rect(5000, 0, 2000, 2000), "Inner"},
+                                                    {rect(300, 200, 400, 100), "Notch"}}}));  // overlaps East: dissolved first
     ProgressLog log;
     fill_cShapes_collection(kProtected);
 
     EXPECT_TRUE(boxTexts().isEmpty());
-    ASSERT_EQ(cShapes->Count(), 2);
-    EXPECT_NEAR(areaAt("0"), 500.0 * 1000 - 200.0 * 100, 1e-6);
-    EXPECT_NEAR(areaAt("1"), 1e6, 1e-6);
-    EXPECT_EQ(colorAt("0"), kClass500);
-    EXPECT_EQ(colorAt("1"), kClass800);
+    expectResults({{500.0 * 1000 - 200.0 * 100, kClass500}, {1e6, kClass800}});
     EXPECT_FALSE(cSymbols->Item("0")->Outline);
-    EXPECT_EQ(cFieldValues->Item("0").toDouble(), 500);
-    EXPECT_EQ(cFieldValues->Item("1").toDouble(), 800);
+    EXPECT_EQ(QList<double>({cFieldValues->Item("0").toDouble(), cFieldValues->Item("1").toDouble()}), QList<double>({500, 800}));
     EXPECT_EQ(sFieldName, "WINDPWRD");
     // The counter starts at 1, so the last record shows 100.0%.
-    EXPECT_EQ(log.texts, QStringList({"Overlaying...", "Overlaying... 33.3% finished", "Overlaying... 66.7% finished",
-                                      "Overlaying... 100.0% finished", "Overlaying... finished"}));
+    EXPECT_EQ(log.texts, overlaying("Overlaying...", {"33.3", "66.7", "100.0"}));
 }
 
 TEST(ProtectedAreas, OneRecordNoSelectionAndAFailingCut)
 {
-    const std::string dir = testsupport::tempDir("protected-edges");
-    writePolygons(dir, "20_wind.shp", "WINDPWRD",
-                  {{bowtie(0, 0, 1000), 600}, {rect(3000, 0, 1000, 1000), 400}});
-    writeProtected(dir, {{rect(500, -500, 3000, 2000), "Only"}});
-    writeCity(dir);
-
+    const std::string dir = dataset("protected-edges", {.wind = {{bowtie(0, 0, 1000), 600}, {rect(3000, 0, 1000, 1000), 400}},
+                                                        .protectedAreas = {{rect(500, -500, 3000, 2000), "Only"}}});
     // The self-crossing wind polygon cannot be cut and gives nothing; the
     // next one is cut by the only protected record, with no word.
     loaded(dir);
     fill_cShapes_collection(kProtected);
     EXPECT_TRUE(boxTexts().isEmpty());
-    ASSERT_EQ(cShapes->Count(), 1);
-    EXPECT_NEAR(areaAt("0"), 5e5, 1e-6);
-    EXPECT_EQ(colorAt("0"), kClass400);
+    expectResults({{5e5, kClass400}});
 
     // A range that selects nothing: the dissolve runs, the loop does not.
-    Panel none;
-    none.min = "900";
-    loaded(dir, none);
+    loaded(dir, {.min = "900"});
     ProgressLog log;
     fill_cShapes_collection(kProtected);
-    EXPECT_EQ(cShapes->Count(), 0);
-    EXPECT_EQ(cFieldValues->Count(), 0);
+    EXPECT_EQ(cShapes->Count() + cFieldValues->Count(), 0);
     EXPECT_EQ(log.texts, QStringList({"Overlaying...", "Overlaying... finished"}));
     EXPECT_TRUE(boxTexts().isEmpty());
 }
 
 TEST(ProtectedAreas, ARecordWithoutAPolygonBringsItsBoxBackAgain)
 {
-    const std::string dir = testsupport::tempDir("protected-null");
-    writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
-    std::vector<datagen::FeatureSpec> areas = {{rect(500, 0, 1000, 1000), {std::string("Park")}},
-                                               {"", {std::string("Lost Park")}}};
-    datagen::writeShapefile(dir + "/31_protectedarea.shp", datagen::GeomKind::Polygon, {{"NAME", 'C', 30}}, areas);
-    writeCity(dir);
-    loaded(dir);
-
+    loaded(dataset("protected-null", {.wind = kOneWind, .protectedAreas = {{rect(500, 0, 1000, 1000), "Park"}, {"", "Lost Park"}}}));
     // The box of such a record never ends by design; the test's handler ends
     // it by throwing after the third, and the entry routine reports that.
     struct Stop {};
@@ -195,18 +192,13 @@ TEST(ProtectedAreas, ARecordWithoutAPolygonBringsItsBoxBackAgain)
     };
     wind_minus_protected_areas();
     rec.onBox = nullptr;
-
-    EXPECT_EQ(boxTexts(), QStringList({"Lost Park is not a polygon type", "Lost Park is not a polygon type",
-                                       "Lost Park is not a polygon type",
-                                       " Error Source:md_query_functions2.wind_minus_protected_areas()"}));
+    const QString lost = "Lost Park is not a polygon type";
+    EXPECT_EQ(boxTexts(), QStringList({lost, lost, lost, " Error Source:md_query_functions2.wind_minus_protected_areas()"}));
 }
 
 TEST(ProtectedAreas, MissingLayersEndTheQueryWithItsMessage)
 {
-    const std::string dir = testsupport::tempDir("protected-missing");
-    writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
-    writeCity(dir);
-    loaded(dir);
+    loaded(dataset("protected-missing", {.wind = kOneWind}));
     fill_cShapes_collection(kProtected);
     EXPECT_EQ(boxTexts(), QStringList({"Error generated in while performing the query"}));
     EXPECT_EQ(cShapes->Count(), 0);
@@ -216,90 +208,52 @@ TEST(ProtectedAreas, MissingLayersEndTheQueryWithItsMessage)
 
 TEST(LandUse, PiecesComeLandMajorAndAreNotMerged)
 {
-    const std::string dir = testsupport::tempDir("landuse");
-    writePolygons(dir, "20_wind.shp", "WINDPWRD",
-                  {{rect(0, 0, 1000, 1000), 500},
-                   {rect(2000, 0, 1000, 1000), 800},
-                   {rect(4000, 0, 1000, 1000), 450},
-                   {rect(6000, 0, 1000, 1000), 600},
-                   {rect(8000, 0, 1000, 1000), 150}});
-    writeLandUse(dir, {{rect(4500, -100, 1000, 1200), "FOREST"},     // half of the third
-                       {rect(-100, -100, 3200, 1200), "FOREST"},     // the first two whole
-                       {rect(-100, -100, 10000, 1200), "WATER"},     // not chosen
-                       {rect(6000, 0, 400, 1000), "CROPLAND"},       // two adjoining pieces
-                       {rect(6400, 0, 600, 1000), "CROPLAND"}});     // of the fourth
-    writeCity(dir);
-    Panel p;
-    p.landUses = {"CROPLAND", "FOREST", "WATER"};
-    p.chosen = {"CROPLAND", "FOREST"};
-    loaded(dir, p);
-
+    loaded(dataset("landuse", {.wind = {{rect(0, 0, 1000, 1000), 500},
+                                        {rect(2000, 0, 1000, 1000), 800},
+                                        {rect(4000, 0, 1000, 1000), 450},
+                                        {rect(6000, 0, 1000, 1000), 600},
+                                        {rect(8000, 0, 1000, 1000), 150}},
+                               .landUse = {{rect(4500, -100, 1000, 1200), "FOREST"},     // half of the third
+                                           {rect(-100, -100, 3200, 1200), "FOREST"},     // the first two whole
+                                           {rect(-100, -100, 10000, 1200), "WATER"},     // not chosen
+                                           {rect(6000, 0, 400, 1000), "CROPLAND"},       // two adjoining pieces
+                                           {rect(6400, 0, 600, 1000), "CROPLAND"}}}),    // of the fourth
+           {.landUses = {"CROPLAND", "FOREST", "WATER"}, .chosen = {"CROPLAND", "FOREST"}});
     ProgressLog log;
     fill_cShapes_collection(kLandUse);
 
     EXPECT_TRUE(boxTexts().isEmpty());
-    ASSERT_EQ(cShapes->Count(), 5);
-    const std::vector<std::pair<double, int>> expected = {
-        {5e5, kClass400}, {1e6, kClass500}, {1e6, kClass800}, {4e5, kClass600}, {6e5, kClass600}};
-    for (int i = 0; i < 5; ++i) {
-        const QString key = QString::number(i);
-        EXPECT_NEAR(areaAt(key), expected[size_t(i)].first, 1e-6) << i;
-        EXPECT_EQ(colorAt(key), expected[size_t(i)].second) << i;
-    }
+    expectResults({{5e5, kClass400}, {1e6, kClass500}, {1e6, kClass800}, {4e5, kClass600}, {6e5, kClass600}});
     EXPECT_EQ(cFieldValues->Item("3").toDouble(), 600);
     // 4 land records of 4 wind records each: one text per land record.
-    EXPECT_EQ(log.texts, QStringList({"Overlaying...", "Overlaying... 25.0% finished", "Overlaying... 50.0% finished",
-                                      "Overlaying... 75.0% finished", "Overlaying... 100.0% finished",
-                                      "Overlaying... finished"}));
+    EXPECT_EQ(log.texts, overlaying("Overlaying...", {"25.0", "50.0", "75.0", "100.0"}));
 }
 
 // A failing cut leaves the previous pair's piece, which is kept again under
 // the current wind record; a pair in between that met nothing clears it.
 TEST(LandUse, AFailingCutRepeatsThePreviousPiece)
 {
-    struct Case {
-        const char* name;
-        bool gap;
-        int shapes;
-    };
-    for (const Case& c : {Case{"adjacent", false, 2}, Case{"after-a-miss", true, 1}}) {
-        SCOPED_TRACE(c.name);
-        const std::string dir = testsupport::tempDir(std::string("landuse-fail-") + c.name);
+    for (bool gap : {false, true}) {
+        SCOPED_TRACE(gap ? "after a miss" : "adjacent");
         std::vector<Poly> winds = {{rect(0, 0, 1000, 1000), 500}};
-        if (c.gap) winds.push_back({rect(0, 50000, 1000, 1000), 450});
+        if (gap) winds.push_back({rect(0, 50000, 1000, 1000), 450});
         winds.push_back({bowtie(2500, 0, 1000), 800});
-        writePolygons(dir, "20_wind.shp", "WINDPWRD", winds);
-        writeLandUse(dir, {{rect(500, -100, 2500, 1200), "FOREST"}});
-        writeCity(dir);
-        Panel p;
-        p.landUses = {"FOREST"};
-        p.chosen = {"FOREST"};
-        loaded(dir, p);
-
+        loaded(dataset(gap ? "landuse-fail-gap" : "landuse-fail", {.wind = winds, .landUse = {{rect(500, -100, 2500, 1200), "FOREST"}}}),
+               {.landUses = {"FOREST"}, .chosen = {"FOREST"}});
         fill_cShapes_collection(kLandUse);
         EXPECT_TRUE(boxTexts().isEmpty());
-        ASSERT_EQ(cShapes->Count(), c.shapes);
-        EXPECT_NEAR(areaAt("0"), 5e5, 1e-6);
-        EXPECT_EQ(colorAt("0"), kClass500);
-        if (c.shapes == 2) {
-            EXPECT_EQ(cShapes->Item("1"), cShapes->Item("0"));
-            EXPECT_EQ(colorAt("1"), kClass800);
-            EXPECT_EQ(cFieldValues->Item("1").toDouble(), 800);
-        }
+        if (gap) expectResults({{5e5, kClass500}});
+        else expectResults({{5e5, kClass500}, {5e5, kClass800}});
+        if (!gap) EXPECT_TRUE(cShapes->Item("1") == cShapes->Item("0") && cFieldValues->Item("1").toDouble() == 800);
     }
 }
 
 TEST(LandUse, NoChoiceAndNoMatchingRecord)
 {
-    const std::string dir = testsupport::tempDir("landuse-empty");
-    writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
-    writeLandUse(dir, {{rect(0, 0, 1000, 1000), "FOREST"}});
-    writeCity(dir);
-
+    const std::string dir = dataset("landuse-empty", {.wind = kOneWind, .landUse = {{rect(0, 0, 1000, 1000), "FOREST"}}});
     // Nothing chosen: the expression cannot be cut short; the list index
     // stands in the message, as the counter shares its variable.
-    Panel p;
-    p.landUses = {"BARREN", "FOREST", "WATER"};
+    Panel p{.landUses = {"BARREN", "FOREST", "WATER"}};
     loaded(dir, p);
     fill_cShapes_collection(kLandUse);
     EXPECT_EQ(boxTexts(), QStringList({" Error Source:md_query_functions2.Wind_Landuse_Overlay()3--0"}));
@@ -318,41 +272,25 @@ TEST(LandUse, NoChoiceAndNoMatchingRecord)
 
 TEST(LineBuffers, AStraightRoadAndItsBufferCutTheWindPolygons)
 {
-    const std::string dir = testsupport::tempDir("roads");
-    writePolygons(dir, "20_wind.shp", "WINDPWRD",
-                  {{rect(1000, 0, 1000, 1000), 500},       // inside the buffer: whole
-                   {rect(3000, 1000, 1000, 1000), 800},    // half inside
-                   {bowtie(5000, 500, 1000), 600},         // fails: the previous piece again
-                   {rect(7000, 5000, 1000, 1000), 450}});  // out of reach
-    writeLines(dir, "43_roads.shp", {"LINESTRING(0 0, 10000 0)"});
-    writeCity(dir);
-    Panel p;
-    p.distance2 = "1.5";
-    loaded(dir, p);
-
+    loaded(dataset("roads", {.wind = {{rect(1000, 0, 1000, 1000), 500},       // inside the buffer: whole
+                                      {rect(3000, 1000, 1000, 1000), 800},    // half inside
+                                      {bowtie(5000, 500, 1000), 600},         // fails: the previous piece again
+                                      {rect(7000, 5000, 1000, 1000), 450}},   // out of reach
+                             .roads = {"LINESTRING(0 0, 10000 0)"}}),
+           {.distance2 = "1.5"});
     ProgressLog log;
     fill_cShapes_collection(kRoads);
 
     EXPECT_TRUE(boxTexts().isEmpty());
-    ASSERT_EQ(cShapes->Count(), 3);
-    EXPECT_NEAR(areaAt("0"), 1e6, 1e-6);
-    EXPECT_NEAR(areaAt("1"), 5e5, 1e-6);
+    expectResults({{1e6, kClass500}, {5e5, kClass800}, {5e5, kClass600}});
     EXPECT_EQ(cShapes->Item("2"), cShapes->Item("1"));
-    EXPECT_EQ(colorAt("1"), kClass800);
-    EXPECT_EQ(colorAt("2"), kClass600);
     // A layer of one record: the buffer comes without a record text.
-    EXPECT_EQ(log.texts, QStringList({"Overlaying...", "Overlaying... 0.0% finished", "Overlaying... 25.0% finished",
-                                      "Overlaying... 50.0% finished", "Overlaying... 75.0% finished",
-                                      "Overlaying... finished"}));
+    EXPECT_EQ(log.texts, overlaying("Overlaying...", {"0.0", "25.0", "50.0", "75.0"}));
 }
 
 TEST(LineBuffers, TheDistanceIsInKilometres)
 {
-    const std::string dir = testsupport::tempDir("roads-distance");
-    writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
-    writeLines(dir, "44_transmissionline.shp", {"LINESTRING(0 0, 100000 0)"});
-    writeCity(dir);
-    loaded(dir);
+    loaded(dataset("roads-distance", {.wind = kOneWind, .transmission = {"LINESTRING(0 0, 100000 0)"}}));
     PolygonPtr buffer = create_line_buffers("44_transmissionline.shp", 5);
     ASSERT_TRUE(buffer);
     EXPECT_TRUE(covers(buffer, 50000, 4990));
@@ -360,78 +298,42 @@ TEST(LineBuffers, TheDistanceIsInKilometres)
     EXPECT_TRUE(boxTexts().isEmpty());
 }
 
-TEST(LineBuffers, BelowFourHundredRecordsEveryBufferCountsWithoutAQuestion)
+// Below 400 records every buffer counts without a question; from 400 the
+// batches of a first tier leave a record out each, and a second tier leaves
+// every eleventh batch out. With 1300 records: twelve full batches of the
+// first tier; the open one (records 1214 to 1300) starts the first group,
+// batch 11 (records 1012 to 1111) closes it unused, and batch 12 starts the second.
+TEST(LineBuffers, TheTiersLeaveRecordsOut)
 {
-    const std::string dir = testsupport::tempDir("roads-399");
-    writeLines(dir, "43_roads.shp", shortSegments(399));
-    writeCity(dir);
-    loaded(dir);
-    ProgressLog log;
-    PolygonPtr buffer = create_line_buffers("43_roads.shp", 0.001f);
-    ASSERT_TRUE(buffer);
-    EXPECT_TRUE(boxTexts().isEmpty());
-    EXPECT_NEAR(buffer->Area(), 399 * kSegmentBuffer, 1e-4);
-    ASSERT_EQ(log.texts.size(), 398);
-    EXPECT_EQ(log.texts.first(), "Creating Roads Buffers: 2 of 399");
-    EXPECT_EQ(log.texts.last(), "Creating Roads Buffers: 399 of 399");
-}
-
-TEST(LineBuffers, FromFourHundredRecordsTheTiersLeaveRecordsOut)
-{
-    const std::string dir = testsupport::tempDir("roads-400");
-    writeLines(dir, "43_roads.shp", shortSegments(400));
-    writeCity(dir);
-    loaded(dir);
-    ProgressLog log;
-    PolygonPtr buffer = create_line_buffers("43_roads.shp", 0.001f);
-    ASSERT_TRUE(buffer);
-
-    ASSERT_EQ(testsupport::recorder().boxes.size(), 1u);
-    EXPECT_EQ(testsupport::recorder().boxes[0].text, kQuestion);
-    EXPECT_EQ(testsupport::recorder().boxes[0].buttons, seam::Buttons::YesNo);
-    // Records 102, 203 and 304 (counted from 1) add nothing.
-    EXPECT_NEAR(buffer->Area(), 397 * kSegmentBuffer, 1e-4);
-    for (int record = 1; record <= 400; ++record) {
-        const bool left = record == 102 || record == 203 || record == 304;
-        EXPECT_EQ(covers(buffer, 10.0 * (record - 1), 5), !left) << "record " << record;
-    }
-    ASSERT_EQ(log.texts.size(), 399 + 3);
-    EXPECT_EQ(log.texts[0], "Creating Roads Buffers: 2 of 400");
-    EXPECT_EQ(log.texts[398], "Creating Roads Buffers: 400 of 400");
-    EXPECT_EQ(log.texts.mid(399), QStringList({"Creating buffer polygon 1 out of 3", "Creating buffer polygon 2 out of 3",
-                                               "Creating buffer polygon 3 out of 3"}));
-}
-
-TEST(LineBuffers, TheSecondTierLeavesEveryEleventhBatchOut)
-{
-    const std::string dir = testsupport::tempDir("roads-1300");
-    writeLines(dir, "43_roads.shp", shortSegments(1300));
-    writeCity(dir);
-    loaded(dir);
-    ProgressLog log;
-    PolygonPtr buffer = create_line_buffers("43_roads.shp", 0.001f);
-    ASSERT_TRUE(buffer);
-
-    // Twelve full batches of the first tier; the open one (records 1214 to
-    // 1300) starts the first group, batch 11 (records 1012 to 1111) closes
-    // it unused, and batch 12 starts the second.
-    auto left = [](int record) {
-        if (record >= 1012 && record <= 1111) return true;
-        return record >= 102 && (record - 102) % 101 == 0;
+    QStringList tiers1300;
+    for (int i = 1; i <= 10; ++i) tiers1300 << QString("Creating buffer polygon %1 out of 12").arg(i);
+    tiers1300 << "Creating buffer polygon 12 out of 12" << "Creating buffer polygon 1 out of 1";
+    struct Case { int records; std::function<bool(int)> left; QStringList tiers; };
+    const Case cases[] = {
+        {399, [](int) { return false; }, {}},
+        {400, [](int r) { return r == 102 || r == 203 || r == 304; },
+         {"Creating buffer polygon 1 out of 3", "Creating buffer polygon 2 out of 3", "Creating buffer polygon 3 out of 3"}},
+        {1300, [](int r) { return (r >= 1012 && r <= 1111) || (r >= 102 && (r - 102) % 101 == 0); }, tiers1300},
     };
-    int kept = 0;
-    for (int record = 1; record <= 1300; ++record) {
-        if (!left(record)) ++kept;
-        EXPECT_EQ(covers(buffer, 10.0 * (record - 1), 5), !left(record)) << "record " << record;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.records);
+        loaded(dataset("roads-" + std::to_string(c.records), {.roads = shortSegments(c.records)}));
+        ProgressLog log;
+        PolygonPtr buffer = create_line_buffers("43_roads.shp", 0.001f);
+        ASSERT_TRUE(buffer);
+        EXPECT_EQ(boxTexts(), c.records < 400 ? QStringList() : QStringList({kQuestion}));
+        if (c.records >= 400) EXPECT_EQ(testsupport::recorder().boxes[0].buttons, seam::Buttons::YesNo);
+        int kept = 0;
+        for (int record = 1; record <= c.records; ++record) {
+            kept += !c.left(record);
+            EXPECT_EQ(covers(buffer, 10.0 * (record - 1), 5), !c.left(record)) << "record " << record;
+        }
+        EXPECT_NEAR(buffer->Area(), kept * kSegmentBuffer, 1e-3);
+        ASSERT_EQ(log.texts.size(), c.records - 1 + c.tiers.size());
+        EXPECT_EQ(log.texts.first(), QString("Creating Roads Buffers: 2 of %1").arg(c.records));
+        EXPECT_EQ(log.texts[c.records - 2], QString("Creating Roads Buffers: %1 of %1").arg(c.records));
+        EXPECT_EQ(log.texts.mid(c.records - 1), c.tiers);
     }
-    EXPECT_EQ(kept, 1300 - 100 - 12);
-    EXPECT_NEAR(buffer->Area(), kept * kSegmentBuffer, 1e-3);
-    QStringList tiers = log.texts.mid(1299);
-    QStringList expected;
-    for (int i = 1; i <= 10; ++i) expected << QString("Creating buffer polygon %1 out of 12").arg(i);
-    expected << "Creating buffer polygon 12 out of 12"
-             << "Creating buffer polygon 1 out of 1";
-    EXPECT_EQ(tiers, expected);
 }
 
 // The overlay cuts each wind polygon with the buffers near it only; that must
@@ -441,7 +343,6 @@ TEST(LineBuffers, TheSecondTierLeavesEveryEleventhBatchOut)
 // 1006 < x < 1014.
 TEST(LineBuffers, TheOverlayCutsAsTheWholeBufferPolygonDoes)
 {
-    const std::string dir = testsupport::tempDir("roads-local");
     const std::vector<Poly> winds = {
         {rect(1000, 2, 20, 6), 500},   // across the gap: both sides, not the gap
         {rect(1007, 2, 6, 6), 800},    // inside the gap: nothing
@@ -450,13 +351,7 @@ TEST(LineBuffers, TheOverlayCutsAsTheWholeBufferPolygonDoes)
         {rect(1000, 40, 10, 10), 500}, // out of reach
         {rect(995, -20, 30, 40), 400}, // the gap and the round ends
     };
-    writePolygons(dir, "20_wind.shp", "WINDPWRD", winds);
-    writeLines(dir, "43_roads.shp", shortSegments(420));
-    writeCity(dir);
-    Panel p;
-    p.distance2 = "0.006";
-    loaded(dir, p);
-
+    loaded(dataset("roads-local", {.wind = winds, .roads = shortSegments(420)}), {.distance2 = "0.006"});
     ProgressLog log;
     fill_cShapes_collection(kRoads);
     EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
@@ -464,11 +359,8 @@ TEST(LineBuffers, TheOverlayCutsAsTheWholeBufferPolygonDoes)
     ASSERT_GT(overlaying, 0);
     EXPECT_EQ(log.texts[overlaying - 1], "Creating buffer polygon 4 out of 4");
     EXPECT_EQ(log.texts.last(), "Overlaying... finished");
-
     ASSERT_EQ(cShapes->Count(), 4);
-    EXPECT_NEAR(areaAt("0"), 12.0 * 6, 1e-6);
-    EXPECT_NEAR(areaAt("1"), 30.0 * 6, 1e-6);
-    EXPECT_NEAR(areaAt("2"), 4.0 * 6, 1e-6);
+    for (auto [key, area] : {std::pair{"0", 12.0 * 6}, {"1", 30.0 * 6}, {"2", 4.0 * 6}}) EXPECT_NEAR(areaAt(key), area, 1e-6) << key;
     EXPECT_EQ(colorAt("0"), kClass500);
     EXPECT_EQ(colorAt("1"), kClass600);
     EXPECT_EQ(cFieldValues->Item("3").toDouble(), 400);
@@ -479,13 +371,10 @@ TEST(LineBuffers, TheOverlayCutsAsTheWholeBufferPolygonDoes)
     ASSERT_TRUE(whole);
     int key = 0;
     for (const Poly& w : winds) {
-        if (w.value < 400) continue;
-        auto wind = std::make_shared<Polygon>(geomFromWkt(w.wkt.c_str()));
-        ShapePtr expected = whole->Intersect(wind);
+        ShapePtr expected = w.value < 400 ? nullptr : whole->Intersect(std::make_shared<Polygon>(geomFromWkt(w.wkt.c_str())));
         if (!expected) continue;
         ASSERT_LT(key, cShapes->Count());
-        const ShapePtr got = cShapes->Item(QString::number(key++));
-        GeomPtr rest = adoptGeom(GEOSSymDifference_r(geosContext(), got->geom().get(), expected->geom().get()));
+        GeomPtr rest = adoptGeom(GEOSSymDifference_r(geosContext(), cShapes->Item(QString::number(key++))->geom().get(), expected->geom().get()));
         double area = 0;
         GEOSArea_r(geosContext(), rest.get(), &area);
         EXPECT_LT(area, 1e-6) << w.wkt;
@@ -495,12 +384,7 @@ TEST(LineBuffers, TheOverlayCutsAsTheWholeBufferPolygonDoes)
 
 TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
 {
-    const std::string dir = testsupport::tempDir("roads-no");
-    writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
-    writeLines(dir, "43_roads.shp", shortSegments(400));
-    writeCity(dir);
-    FrmMain& f = loaded(dir);
-
+    FrmMain& f = loaded(dataset("roads-no", {.wind = kOneWind, .roads = shortSegments(400)}));
     // The previous run's values stay, as the worker never starts.
     cFieldValues = std::make_shared<Collection<QVariant>>();
     cFieldValues->Add(QVariant(123.0), "0");
@@ -535,17 +419,10 @@ TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
 
 TEST(LineBuffers, FailuresOfTheBufferStopWithItsMessage)
 {
-    struct Case {
-        const char* name;
-        int records;  // -1: no roads file at all
-    };
-    for (const Case& c : {Case{"missing", -1}, Case{"sixteen-bit", 32768}}) {
-        SCOPED_TRACE(c.name);
-        const std::string dir = testsupport::tempDir(std::string("roads-fail-") + c.name);
-        writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
-        if (c.records > 0) writeLines(dir, "43_roads.shp", shortSegments(c.records));
-        writeCity(dir);
-        loaded(dir);
+    // No roads file at all, and more records than sixteen bits count.
+    for (int records : {0, 32768}) {
+        SCOPED_TRACE(records);
+        loaded(dataset("roads-fail-" + std::to_string(records), {.wind = kOneWind, .roads = shortSegments(records)}));
         ProgressLog log;
         fill_cShapes_collection(kRoads);
         // No question: the count fails before it.
@@ -562,61 +439,42 @@ namespace {
 // Roads along y = 500 and transmission along y = 0, 1 km each: the proximity
 // strip runs from y = -500 to 1000. Two chosen land-use polygons cut it into
 // two pieces; the protected area takes the right half of the second wind polygon.
-std::string allDataset(const std::string& name, bool withProtected = true)
+Data allData(bool withProtected = true)
 {
-    const std::string dir = testsupport::tempDir(name);
-    writePolygons(dir, "20_wind.shp", "WINDPWRD",
-                  {{rect(4000, 0, 1000, 1000), 800},
-                   {rect(0, 0, 1000, 1000), 500},
-                   {rect(2000, 0, 1000, 1000), 450},
-                   {rect(0, 3000, 1000, 1000), 600}});  // outside the strip
-    writeLines(dir, "43_roads.shp", {"LINESTRING(-20000 500, 20000 500)"});
-    writeLines(dir, "44_transmissionline.shp", {"LINESTRING(-20000 0, 20000 0)"});
-    writeLandUse(dir, {{rect(-100, -2000, 3200, 8000), "FOREST"},
+    Data d{.wind = {{rect(4000, 0, 1000, 1000), 800},
+                    {rect(0, 0, 1000, 1000), 500},
+                    {rect(2000, 0, 1000, 1000), 450},
+                    {rect(0, 3000, 1000, 1000), 600}},  // outside the strip
+           .roads = {"LINESTRING(-20000 500, 20000 500)"},
+           .transmission = {"LINESTRING(-20000 0, 20000 0)"},
+           .landUse = {{rect(-100, -2000, 3200, 8000), "FOREST"},
                        {rect(3900, -2000, 1200, 8000), "FOREST"},
-                       {rect(-5000, -2000, 4000, 8000), "WATER"}});
-    if (withProtected) writeProtected(dir, {{rect(2500, -5000, 1000, 10000), "Reserve"}});
-    writeCity(dir);
-    return dir;
+                       {rect(-5000, -2000, 4000, 8000), "WATER"}}};
+    if (withProtected) d.protectedAreas = {{rect(2500, -5000, 1000, 10000), "Reserve"}};
+    return d;
 }
 
-Panel allPanel(bool ticked)
-{
-    Panel p;
-    p.landUses = {"FOREST", "WATER"};
-    p.chosen = {"FOREST"};
-    p.protectedTicked = ticked;
-    return p;
-}
+Panel allPanel(bool ticked) { return {.landUses = {"FOREST", "WATER"}, .chosen = {"FOREST"}, .protectedTicked = ticked}; }
 
 }  // namespace
 
 TEST(AllCriteria, PiecesThenWindThenProtectedAreas)
 {
-    loaded(allDataset("all"), allPanel(true));
+    loaded(dataset("all", allData()), allPanel(true));
     ProgressLog log;
     fill_cShapes_collection(kAll);
-
     EXPECT_TRUE(boxTexts().isEmpty());
     // Piece by piece, and within a piece in the order of the wind records.
-    ASSERT_EQ(cShapes->Count(), 3);
-    EXPECT_NEAR(areaAt("0"), 1e6, 1e-6);
-    EXPECT_NEAR(areaAt("1"), 5e5, 1e-6);
-    EXPECT_NEAR(areaAt("2"), 1e6, 1e-6);
-    EXPECT_EQ(colorAt("0"), kClass500);
-    EXPECT_EQ(colorAt("1"), kClass400);
-    EXPECT_EQ(colorAt("2"), kClass800);
+    expectResults({{1e6, kClass500}, {5e5, kClass400}, {1e6, kClass800}});
     EXPECT_EQ(cFieldValues->Item("2").toDouble(), 800);
-    EXPECT_EQ(log.texts, QStringList({"Intersecting...", "Intersecting... 0.0% finished",
-                                      "Intersecting... 50.0% finished", "Overlaying... 0.0% finished",
-                                      "Overlaying... 50.0% finished", "Overlaying... finished"}));
+    EXPECT_EQ(log.texts, overlaying("Intersecting...", {"0.0", "50.0"}, false) + overlaying("Overlaying...", {"0.0", "50.0"}).mid(1));
 }
 
 TEST(AllCriteria, UntickedProtectedAreasAreNotNeeded)
 {
     for (bool withFile : {true, false}) {
         SCOPED_TRACE(withFile ? "with the file" : "without the file");
-        loaded(allDataset(withFile ? "all-unticked" : "all-unticked-nofile", withFile), allPanel(false));
+        loaded(dataset(withFile ? "all-unticked" : "all-unticked-nofile", allData(withFile)), allPanel(false));
         fill_cShapes_collection(kAll);
         EXPECT_TRUE(boxTexts().isEmpty());
         ASSERT_EQ(cShapes->Count(), 3);
@@ -626,51 +484,42 @@ TEST(AllCriteria, UntickedProtectedAreasAreNotNeeded)
 
 TEST(AllCriteria, NoPlaceNearBothLinesGivesNothingAndNoWord)
 {
-    const std::string dir = allDataset("all-apart");
-    writeLines(dir, "44_transmissionline.shp", {"LINESTRING(-20000 50000, 20000 50000)"});
-    loaded(dir, allPanel(true));
+    Data d = allData();
+    d.transmission = {"LINESTRING(-20000 50000, 20000 50000)"};
+    loaded(dataset("all-apart", d), allPanel(true));
     ProgressLog log;
     fill_cShapes_collection(kAll);
     EXPECT_TRUE(boxTexts().isEmpty());
     EXPECT_EQ(cShapes->Count(), 0);
-    EXPECT_EQ(log.texts, QStringList({"Intersecting...", "Intersecting... 0.0% finished",
-                                      "Intersecting... 50.0% finished"}));
+    EXPECT_EQ(log.texts, overlaying("Intersecting...", {"0.0", "50.0"}, false));
 }
 
 // The common area of roads and transmission is made per land-use polygon
 // from the buffers there; the record the tiers leave out stays out.
 TEST(AllCriteria, TheCommonAreaKeepsTheGapsOfTheTiers)
 {
-    const std::string dir = allDataset("all-gaps", false);
-    writePolygons(dir, "20_wind.shp", "WINDPWRD",
-                  {{rect(995, -20, 30, 40), 600}, {rect(1007, -20, 6, 40), 800}, {rect(3000, -20, 30, 40), 500}});
-    writeLines(dir, "43_roads.shp", shortSegments(420));
-    writeLines(dir, "44_transmissionline.shp", {"LINESTRING(-100 5, 2000 5)"});
-    writeLandUse(dir, {{rect(990, -50, 40, 100), "FOREST"}, {rect(2990, -50, 40, 100), "FOREST"}});
+    Data d{.wind = {{rect(995, -20, 30, 40), 600}, {rect(1007, -20, 6, 40), 800}, {rect(3000, -20, 30, 40), 500}},
+           .roads = shortSegments(420),
+           .transmission = {"LINESTRING(-100 5, 2000 5)"},
+           .landUse = {{rect(990, -50, 40, 100), "FOREST"}, {rect(2990, -50, 40, 100), "FOREST"}}};
     Panel p = allPanel(false);
-    p.distance1 = "0.004";
-    p.distance2 = "0.006";
-    loaded(dir, p);
-
+    p.distance1 = "0.004", p.distance2 = "0.006";
+    loaded(dataset("all-gaps", d), p);
     ProgressLog log;
     fill_cShapes_collection(kAll);
     EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
     // The second land-use polygon lies beyond the transmission line: one piece.
     EXPECT_EQ(log.texts.mid(log.texts.indexOf("Intersecting...")),
-              QStringList({"Intersecting...", "Intersecting... 0.0% finished", "Intersecting... 50.0% finished",
-                           "Overlaying... 0.0% finished", "Overlaying... finished"}));
-    ASSERT_EQ(cShapes->Count(), 1);
+              overlaying("Intersecting...", {"0.0", "50.0"}, false) + overlaying("Overlaying...", {"0.0"}).mid(1));
     // 995 to 1006 and 1014 to 1025, between y = 1 and 9.
-    EXPECT_NEAR(areaAt("0"), 22.0 * 8, 1e-6);
-    EXPECT_EQ(colorAt("0"), kClass600);
+    expectResults({{22.0 * 8, kClass600}});
 }
 
 TEST(AllCriteria, TheSecondQuestionAnsweredNoStopsAfterTheRoads)
 {
-    const std::string dir = allDataset("all-no");
-    writeLines(dir, "43_roads.shp", shortSegments(400, 500));
-    writeLines(dir, "44_transmissionline.shp", shortSegments(400, 0));
-    loaded(dir, allPanel(true));
+    Data d = allData();
+    d.roads = shortSegments(400, 500), d.transmission = shortSegments(400, 0);
+    loaded(dataset("all-no", d), allPanel(true));
     testsupport::recorder().answers = {seam::Answer::Yes, seam::Answer::No};
     ProgressLog log;
     fill_cShapes_collection(kAll);
@@ -682,12 +531,9 @@ TEST(AllCriteria, TheSecondQuestionAnsweredNoStopsAfterTheRoads)
 
 TEST(AllCriteria, FailuresBeforeTheFirstLandPolygonAreReported)
 {
-    const std::string dir = testsupport::tempDir("all-nolanduse");
-    writePolygons(dir, "20_wind.shp", "WINDPWRD", {{rect(0, 0, 1000, 1000), 500}});
-    writeLines(dir, "43_roads.shp", {"LINESTRING(-20000 500, 20000 500)"});
-    writeLines(dir, "44_transmissionline.shp", {"LINESTRING(-20000 0, 20000 0)"});
-    writeCity(dir);
-    loaded(dir, allPanel(true));
+    Data d = allData(false);
+    d.landUse.clear();
+    loaded(dataset("all-nolanduse", d), allPanel(true));
     fill_cShapes_collection(kAll);
     EXPECT_EQ(boxTexts(), QStringList({" Error Source:md_query_functions2.Wind_All_Overlay()"}));
     EXPECT_EQ(cShapes->Count(), 0);
