@@ -18,22 +18,16 @@ namespace {
 const QString kProtected = QStringLiteral("Best wind - protected areas");
 const QString kLandUse = QStringLiteral("Best wind + land use");
 const QString kRoads = QStringLiteral("Best wind + roads");
-const QString kTransmission = QStringLiteral("Best wind + transmission");
 const QString kAll = QStringLiteral("Best wind (all)");
 const QString kQuestion = QStringLiteral("This query may take few minutes to complete. Do you want to proceed?");
 
-const int kClass400 = RGB(255, 110, 180);
-const int kClass500 = RGB(154, 50, 205);
-const int kClass800 = RGB(0, 0, 255);
-const int kClass200 = RGB(222, 184, 135);
-const int kClass600 = RGB(255, 0, 0);
+const int kClass400 = RGB(255, 110, 180), kClass500 = RGB(154, 50, 205), kClass600 = RGB(255, 0, 0), kClass800 = RGB(0, 0, 255);
 
 // A self-crossing ring: any real overlay with it fails.
 std::string bowtie(double x, double y, double s)
 {
-    auto n = [](double v) { return std::to_string(v); };
-    return "POLYGON((" + n(x) + " " + n(y) + "," + n(x + s) + " " + n(y + s) + "," + n(x + s) + " " + n(y) + "," + n(x) +
-           " " + n(y + s) + "," + n(x) + " " + n(y) + "))";
+    auto n = [](double a, double b) { return std::to_string(a) + " " + std::to_string(b); };
+    return "POLYGON((" + n(x, y) + "," + n(x + s, y + s) + "," + n(x + s, y) + "," + n(x, y + s) + "," + n(x, y) + "))";
 }
 
 using Named = std::vector<std::pair<std::string, std::string>>;
@@ -539,43 +533,50 @@ TEST(AllCriteria, FailuresBeforeTheFirstLandPolygonAreReported)
     EXPECT_EQ(cShapes->Count(), 0);
 }
 
-// ------------------------------------------------ parts of a large polygon
+// ------------------------------------- parts of a large polygon, a union in parts
+
+// Cuts a grid of squares (side, step x, step y over -reach..reach) with `got`
+// and with the whole polygon; counts the squares missed, cut and wholly inside.
+static std::array<int, 3> compareCuts(const PolygonPtr& whole, double side, double sx, double sy, double reach,
+                               const std::function<ShapePtr(const PolygonPtr&)>& got, double tolerance)
+{
+    std::array<int, 3> n{};
+    for (double x = -reach; x <= reach; x += sx)
+        for (double y = -reach; y <= reach; y += sy) {
+            auto square = std::make_shared<Polygon>(geomFromWkt(rect(x, y, side, side).c_str()));
+            ShapePtr expected = whole->Intersect(square), cut = got(square);
+            EXPECT_EQ(bool(cut), bool(expected)) << x << " " << y;
+            if (!expected || !cut) {
+                ++n[0];
+                continue;
+            }
+            EXPECT_TRUE(std::dynamic_pointer_cast<Polygon>(cut));
+            const double area = areaOf(expected);
+            EXPECT_NEAR(areaOf(cut), area, tolerance * area) << x << " " << y;
+            ++n[std::abs(area - side * side) < 1e-3 ? 2 : 1];
+        }
+    return n;
+}
 
 TEST(NearbyParts, CutsGiveWhatTheWholePolygonGives)
 {
     // A wavy ring of 3000 vertices with a hole: large enough to be tiled.
     std::string wkt = "POLYGON((";
-    const int n = 3000;
-    for (int i = 0; i <= n; ++i) {
-        const double a = 2 * M_PI * (i % n) / n;
-        const double r = 100000 + 8000 * std::sin(37 * a);
+    for (int i = 0, n = 3000; i <= n; ++i) {
+        const double a = 2 * M_PI * (i % n) / n, r = 100000 + 8000 * std::sin(37 * a);
         wkt += std::to_string(r * std::cos(a)) + " " + std::to_string(r * std::sin(a)) + (i < n ? "," : "),");
     }
-    wkt += "(-20000 -20000,-20000 20000,20000 20000,20000 -20000,-20000 -20000))";
-    auto whole = std::make_shared<Polygon>(geomFromWkt(wkt.c_str()));
+    auto whole = std::make_shared<Polygon>(geomFromWkt((wkt + "(-20000 -20000,-20000 20000,20000 20000,20000 -20000,-20000 -20000))").c_str()));
     overlay::NearbyParts nearby(whole, 200);
-
-    int cut = 0, none = 0;
-    for (double x = -130000; x <= 130000; x += 9000) {
-        for (double y = -130000; y <= 130000; y += 11000) {
-            auto square = std::make_shared<Polygon>(geomFromWkt(rect(x, y, 7000, 7000).c_str()));
-            PolygonPtr near = nearby.around(square->envelope());
-            ShapePtr expected = whole->Intersect(square);
-            ShapePtr got = near ? near->Intersect(square) : nullptr;
-            ASSERT_EQ(bool(got), bool(expected)) << x << " " << y;
-            if (!expected) {
-                ++none;
-                continue;
-            }
-            if (near != whole) ++cut;
-            EXPECT_NEAR(areaOf(got), areaOf(expected), 1e-6 * areaOf(expected)) << x << " " << y;
-        }
-    }
-    EXPECT_GT(cut, 100);  // the tiles were used, not the whole
-    EXPECT_GT(none, 50);  // squares in the hole and outside
+    int tiled = 0;
+    const auto n = compareCuts(whole, 7000, 9000, 11000, 130000, [&](const PolygonPtr& square) -> ShapePtr {
+        PolygonPtr near = nearby.around(square->envelope());
+        tiled += near && near != whole;
+        return near ? near->Intersect(square) : nullptr;
+    }, 1e-6);
+    EXPECT_GT(tiled, 100);  // the tiles were used, not the whole
+    EXPECT_GT(n[0], 50);    // squares in the hole and outside
 }
-
-// ------------------------------------------------- a union kept in parts
 
 TEST(PolygonSet, CutsGiveWhatTheUnionGives)
 {
@@ -584,35 +585,16 @@ TEST(PolygonSet, CutsGiveWhatTheUnionGives)
     for (int i = 0; i < 40; ++i) {
         const double a = 2 * M_PI * i / 40, x = 50000 * std::cos(a), y = 50000 * std::sin(a);
         GeomPtr centre = geomFromWkt(("POINT(" + std::to_string(x) + " " + std::to_string(y) + ")").c_str());
-        const double r = i % 3 == 0 ? 9000 : 4000;
-        parts.push_back(adoptGeom(GEOSBuffer_r(geosContext(), centre.get(), r, 8)));
+        parts.push_back(adoptGeom(GEOSBuffer_r(geosContext(), centre.get(), i % 3 == 0 ? 9000 : 4000, 8)));
         if (i % 5 == 0) parts.push_back(geomFromWkt(rect(x - 20000, y - 500, 40000, 1000).c_str()));
     }
     overlay::PolygonSet set(parts);
     PolygonPtr whole = set.whole();
     ASSERT_TRUE(whole);
     EXPECT_NEAR(whole->Area(), overlay::unionAll(parts)->Area(), 1e-6 * whole->Area());
-
-    int cut = 0, none = 0, inside = 0;
-    for (double x = -70000; x <= 70000; x += 6000) {
-        for (double y = -70000; y <= 70000; y += 7000) {
-            auto square = std::make_shared<Polygon>(geomFromWkt(rect(x, y, 5000, 5000).c_str()));
-            ShapePtr expected = whole->Intersect(square);
-            ShapePtr got = set.intersect(square);
-            ASSERT_EQ(bool(got), bool(expected)) << x << " " << y;
-            if (!expected) {
-                ++none;
-                continue;
-            }
-            ASSERT_TRUE(std::dynamic_pointer_cast<Polygon>(got));
-            const double area = areaOf(expected);
-            EXPECT_NEAR(areaOf(got), area, 1e-9 * area) << x << " " << y;
-            if (std::abs(area - 25e6) < 1e-3) ++inside;
-            else ++cut;
-        }
-    }
-    EXPECT_GT(cut, 20);
-    EXPECT_GT(none, 100);
-    EXPECT_GT(inside, 3);
+    const auto n = compareCuts(whole, 5000, 6000, 7000, 70000, [&](const PolygonPtr& square) { return set.intersect(square); }, 1e-9);
+    EXPECT_GT(n[0], 100);
+    EXPECT_GT(n[1], 20);
+    EXPECT_GT(n[2], 3);
     EXPECT_THROW(set.intersect(nullptr), MapError);
 }
