@@ -190,14 +190,6 @@ TEST(ProtectedAreas, ARecordWithoutAPolygonBringsItsBoxBackAgain)
     EXPECT_EQ(boxTexts(), QStringList({lost, lost, lost, " Error Source:md_query_functions2.wind_minus_protected_areas()"}));
 }
 
-TEST(ProtectedAreas, MissingLayersEndTheQueryWithItsMessage)
-{
-    loaded(dataset("protected-missing", {.wind = kOneWind}));
-    fill_cShapes_collection(kProtected);
-    EXPECT_EQ(boxTexts(), QStringList({"Error generated in while performing the query"}));
-    EXPECT_EQ(cShapes->Count(), 0);
-}
-
 // ------------------------------------------------------------ land use
 
 TEST(LandUse, PiecesComeLandMajorAndAreNotMerged)
@@ -384,19 +376,15 @@ TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
     cFieldValues->Add(QVariant(123.0), "0");
     sFieldName = "ANNGLO";
     testsupport::recorder().answers = {seam::Answer::No};
-    {
-        ProgressLog log;
-        fill_cShapes_collection(kRoads);
-        EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
-        EXPECT_TRUE(log.texts.isEmpty());
-        EXPECT_EQ(cShapes->Count(), 0);
-        EXPECT_EQ(cFieldValues->Count(), 1);
-        EXPECT_EQ(sFieldName, "ANNGLO");
-    }
+    ProgressLog log;
+    fill_cShapes_collection(kRoads);
+    EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
+    EXPECT_TRUE(log.texts.isEmpty());
+    EXPECT_EQ(cShapes->Count() * 10 + cFieldValues->Count(), 1);
+    EXPECT_EQ(sFieldName, "ANNGLO");
 
     // Cancel pressed while record 150 is shown is served at the next yield.
     testsupport::recorder().clear();
-    ProgressLog log;
     bool posted = false;
     log.also = [&](const QString& t) {
         if (posted || t != "Creating Roads Buffers: 150 of 400") return;
@@ -405,25 +393,9 @@ TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
     };
     fill_cShapes_collection(kRoads);
     EXPECT_TRUE(bCancelQuery);
-    EXPECT_EQ(log.texts.last(), "Creating Roads Buffers: 150 of 400");
-    EXPECT_FALSE(log.texts.contains("Overlaying..."));
+    EXPECT_EQ(log.texts.last(), "Creating Roads Buffers: 150 of 400") << "and no Overlaying...";
     EXPECT_EQ(cShapes->Count(), 0);
     EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
-}
-
-TEST(LineBuffers, FailuresOfTheBufferStopWithItsMessage)
-{
-    // No roads file at all, and more records than sixteen bits count.
-    for (int records : {0, 32768}) {
-        SCOPED_TRACE(records);
-        loaded(dataset("roads-fail-" + std::to_string(records), {.wind = kOneWind, .roads = shortSegments(records)}));
-        ProgressLog log;
-        fill_cShapes_collection(kRoads);
-        // No question: the count fails before it.
-        EXPECT_EQ(boxTexts(), QStringList({" Error Source:md_query_functions2.create_line_buffers()"}));
-        EXPECT_TRUE(log.texts.isEmpty());
-        EXPECT_EQ(cShapes->Count(), 0);
-    }
 }
 
 // ------------------------------------------------------------ all criteria
@@ -523,14 +495,29 @@ TEST(AllCriteria, TheSecondQuestionAnsweredNoStopsAfterTheRoads)
     EXPECT_EQ(cShapes->Count(), 0);
 }
 
-TEST(AllCriteria, FailuresBeforeTheFirstLandPolygonAreReported)
+// A missing layer (protected areas, roads, land use) or more roads than
+// sixteen bits count ends the query with its message, before any question.
+TEST(AllCriteria, MissingLayersAndFailuresOfTheBufferEndTheQueryWithTheirMessage)
 {
-    Data d = allData(false);
-    d.landUse.clear();
-    loaded(dataset("all-nolanduse", d), allPanel(true));
-    fill_cShapes_collection(kAll);
-    EXPECT_EQ(boxTexts(), QStringList({" Error Source:md_query_functions2.Wind_All_Overlay()"}));
-    EXPECT_EQ(cShapes->Count(), 0);
+    Data all = allData(false);
+    all.landUse.clear();
+    struct Case { const char* name; Data data; QString query; QString text; };
+    const Case cases[] = {
+        {"protected-missing", {.wind = kOneWind}, kProtected, "Error generated in while performing the query"},
+        {"roads-missing", {.wind = kOneWind}, kRoads, " Error Source:md_query_functions2.create_line_buffers()"},
+        {"roads-sixteen-bit", {.wind = kOneWind, .roads = shortSegments(32768)}, kRoads,
+         " Error Source:md_query_functions2.create_line_buffers()"},
+        {"all-nolanduse", all, kAll, " Error Source:md_query_functions2.Wind_All_Overlay()"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        loaded(dataset(c.name, c.data), allPanel(true));
+        ProgressLog log;
+        fill_cShapes_collection(c.query);
+        EXPECT_EQ(boxTexts(), QStringList({c.text}));
+        if (c.query == kRoads) EXPECT_TRUE(log.texts.isEmpty());
+        EXPECT_EQ(cShapes->Count(), 0);
+    }
 }
 
 // ------------------------------------- parts of a large polygon, a union in parts
