@@ -63,14 +63,12 @@ void putResult(const std::vector<std::pair<std::string, int>>& shapes)
 std::pair<std::string, std::string> middleHalves(Map* map)
 {
     RectanglePtr e = map->FullExtent();
-    const double w = e->Width(), h = e->Height();
-    auto box = [](double l, double b, double r, double t) {
-        return QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))")
-            .arg(l, 0, 'f', 3).arg(b, 0, 'f', 3).arg(r, 0, 'f', 3).arg(t, 0, 'f', 3).toStdString();
+    const double l = e->Left + e->Width() / 4, m = l + e->Width() / 4, r = m + e->Width() / 4;
+    const double b = e->Bottom + e->Height() / 4, t = b + e->Height() / 2;
+    auto box = [&](double x0, double x1) {
+        return QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(x0, 0, 'f', 3).arg(b, 0, 'f', 3).arg(x1, 0, 'f', 3).arg(t, 0, 'f', 3).toStdString();
     };
-    const double l = e->Left + w / 4, m = e->Left + w / 2, r = e->Left + 3 * w / 4;
-    const double b = e->Bottom + h / 4, t = e->Bottom + 3 * h / 4;
-    return {box(l, b, m, t), box(m, b, r, t)};
+    return {box(l, m), box(m, r)};
 }
 
 int countColour(const QImage& im, const QRect& area, QColor c, int tolerance)
@@ -268,9 +266,7 @@ TEST_F(Print, LegendBitmapsAreWrittenBesideTheProgramAndShownInThePictureBoxes)
     for (const char* f : {"LegendBmp1.bmp", "LegendBmp3.bmp", "LegendBmp4.bmp"}) QFile::remove(programFile(f));
     FrmPrint& f = openOn(q(testsupport::dataset()));
     EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("\n").toStdString();
-    const std::pair<const char*, PictureBox*> pairs[] = {
-        {"LegendBmp1.bmp", f.Picture1}, {"LegendBmp3.bmp", f.Picture3}, {"LegendBmp4.bmp", f.Picture4}};
-    for (const auto& [file, box] : pairs) {
+    for (const auto& [file, box] : {std::pair{"LegendBmp1.bmp", f.Picture1}, {"LegendBmp3.bmp", f.Picture3}, {"LegendBmp4.bmp", f.Picture4}}) {
         SCOPED_TRACE(file);
         QImage onDisk(programFile(file));
         ASSERT_FALSE(onDisk.isNull());
@@ -282,11 +278,10 @@ TEST_F(Print, LegendBitmapsAreWrittenBesideTheProgramAndShownInThePictureBoxes)
     // The next opening overwrites them.
     UnloadFrmPrint();
     QFile spoilt(programFile("LegendBmp3.bmp"));
-    ASSERT_TRUE(spoilt.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    spoilt.write("not a bitmap"), spoilt.close();
+    ASSERT_TRUE(spoilt.open(QIODevice::WriteOnly | QIODevice::Truncate) && spoilt.write("not a bitmap") > 0);
+    spoilt.close();
     frmMain().mnuPrint_Click();
-    EXPECT_FALSE(QImage(programFile("LegendBmp3.bmp")).isNull());
-    EXPECT_FALSE(frmPrint().Picture3->Picture().isNull());
+    EXPECT_FALSE(QImage(programFile("LegendBmp3.bmp")).isNull() || frmPrint().Picture3->Picture().isNull());
 }
 
 TEST_F(Print, ALegendBitmapThatCannotBeWrittenEndsTheLoadWithItsMessage)
@@ -397,33 +392,24 @@ TEST_F(Print, PreviewShowsTheResultOnlyWhenTheMainMapRepaintedBetween)
 }
 
 // The page is laid out in 1/600 inch; x is divided by a factor that keeps
-// its fraction, y by a whole one (halves to even).
+// its fraction, y by a whole one (halves to even). At 1200 dpi and finer the
+// y factor rounds to 0: the print fails after the page was opened (and the
+// pictures taken), no page is sent, and the window stays usable.
 TEST_F(Print, PageGeometryAtSeveralResolutions)
 {
     FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
-    struct Item { const char* name; double l, t, w, h; };
-    struct Case { int dpi; double scaleX; int scaleY; std::vector<Item> items; };
+    const QStringList order = {"Print", "OutputMap", "Line", "Heading", "Scalebar", "Picture1", "Picture4", "Picture3", "EndDoc"};
+    struct Case { int dpi; double scaleX; int scaleY; std::vector<std::array<double, 4>> map, line, heading, picture4; };
     const Case cases[] = {
-        {600, 1.0, 1,
-         {{"OutputMap", 300, 350, 4000, 3700}, {"Line", 290, 600, 4000, 3150}, {"Heading", 550, 250, 3000, 150},
-          {"Scalebar", 300, 3800, 4000, 300}, {"Picture1", 500, 4000, 1000, 1689},
-          {"Picture4", 1500, 4000, 1000, 1689}, {"Picture3", 2500, 4000, 1000, 1689}}},
+        {600, 1.0, 1, {{300, 350, 4000, 3700}}, {{290, 600, 4000, 3150}}, {{550, 250, 3000, 150}}, {{1500, 4000, 1000, 1689}}},
         // 2 twips to the dot: x stretched by 1.2, y as at 600 dpi.
-        {720, 2.0 / 2.4, 1,
-         {{"OutputMap", 360, 350, 4800, 3700}, {"Line", 348, 600, 4800, 3150}, {"Heading", 660, 250, 3600, 150},
-          {"Scalebar", 360, 3800, 4800, 300}, {"Picture1", 600, 4000, 1200, 1689},
-          {"Picture4", 1800, 4000, 1200, 1689}, {"Picture3", 3000, 4000, 1200, 1689}}},
+        {720, 2.0 / 2.4, 1, {{360, 350, 4800, 3700}}, {{348, 600, 4800, 3150}}, {{660, 250, 3600, 150}}, {{1800, 4000, 1200, 1689}}},
         // 3.6 twips to the dot: x factor 1.5, y factor 1.5 made 2.
-        {400, 1.5, 2,
-         {{"OutputMap", 200, 175, 2667, 1850}, {"Line", 290 / 1.5, 300, 4000 / 1.5, 1575},
-          {"Heading", 550 / 1.5, 125, 2000, 75}, {"Scalebar", 200, 1900, 4000 / 1.5, 150},
-          {"Picture1", 500 / 1.5, 2000, 1000 / 1.5, 844.5}, {"Picture4", 1000, 2000, 1000 / 1.5, 844.5},
-          {"Picture3", 2500 / 1.5, 2000, 1000 / 1.5, 844.5}}},
-        // At 1200 dpi and finer the y factor rounds to 0: the print fails after
-        // the page was opened (and the pictures taken), and no page is sent.
-        {1200, 0.5, 0, {}},
-        {1440, 600.0 / 1440, 0, {}},
-        {600, 1.0, 1, {{"OutputMap", 300, 350, 4000, 3700}}},  // the window stays usable
+        {400, 1.5, 2, {{200, 175, 2667, 1850}}, {{290 / 1.5, 300, 4000 / 1.5, 1575}}, {{550 / 1.5, 125, 2000, 75}},
+         {{1000, 2000, 1000 / 1.5, 844.5}}},
+        {1200, 0.5, 0, {}, {}, {}, {}},
+        {1440, 600.0 / 1440, 0, {}, {}, {}, {}},
+        {600, 1.0, 1, {{300, 350, 4000, 3700}}, {}, {}, {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.dpi);
@@ -434,28 +420,19 @@ TEST_F(Print, PageGeometryAtSeveralResolutions)
         EXPECT_EQ(recorder().texts(), fails ? QStringList({kPrintFailed}) : QStringList());
         if (!fails) EXPECT_DOUBLE_EQ(f.scaleX, c.scaleX);
         EXPECT_EQ(f.scaleY, c.scaleY);
-        EXPECT_EQ(QFileInfo::exists(pdf), !fails);
         EXPECT_FALSE(f.pictHeadFromClipboard->Picture().isNull());
-        EXPECT_EQ(f.lastPage.front().name, "Print");
-        if (fails) {
-            EXPECT_EQ(f.lastPage.size(), 1u);
-            continue;
-        }
-        EXPECT_EQ(f.lastPage.back().name, "EndDoc");
-        if (c.items.size() == 1) continue;
-        ASSERT_EQ(f.lastPage.size(), c.items.size() + 2);
-        for (size_t i = 0; i < c.items.size(); ++i) {
-            const Item& want = c.items[i];
-            const FrmPrint::PageItem& got = f.lastPage[i + 1];
-            SCOPED_TRACE(want.name);
-            EXPECT_EQ(got.name, want.name);
-            const QRectF r = got.rect;
-            EXPECT_TRUE(std::abs(r.left() - want.l) + std::abs(r.top() - want.t) + std::abs(r.width() - want.w)
-                            + std::abs(r.height() - want.h) < 1e-3)
-                << r.left() << " " << r.top() << " " << r.width() << " " << r.height();
-        }
+        QStringList names;
+        for (const auto& item : f.lastPage) names << item.name;
+        EXPECT_EQ(names, fails ? order.mid(0, 1) : order);
         QFile file(pdf);
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly) && file.read(5).startsWith("%PDF"));
+        EXPECT_EQ(file.open(QIODevice::ReadOnly) && file.read(5).startsWith("%PDF"), !fails);
+        for (const auto& [name, want] : {std::pair{"OutputMap", c.map}, {"Line", c.line}, {"Heading", c.heading}, {"Picture4", c.picture4}}) {
+            if (want.empty()) continue;
+            const QRectF r = f.lastPage[order.indexOf(name)].rect;
+            const std::array<double, 4>& w = want[0];
+            EXPECT_LT(std::abs(r.left() - w[0]) + std::abs(r.top() - w[1]) + std::abs(r.width() - w[2]) + std::abs(r.height() - w[3]), 1e-3)
+                << name << ": " << r.left() << " " << r.top() << " " << r.width() << " " << r.height();
+        }
     }
 }
 
