@@ -134,20 +134,12 @@ protected:
     FrmMain* main = nullptr;
 };
 
-TEST_F(Print, MenuDoesNothingWithoutLayers)
-{
-    main->mnuPrint_Click();
-    EXPECT_FALSE(frmPrintExists());
-    EXPECT_TRUE(recorder().boxes.empty());
-}
-
-TEST_F(Print, WindowControlsStandWhereDesigned)
+TEST_F(Print, WindowControlsStandWhereDesignedAndTheHeadingTakesFiftyCharacters)
 {
     FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
-    EXPECT_TRUE(f.isVisible());
+    EXPECT_TRUE(f.isVisible() && f.parentWidget() == nullptr);
     EXPECT_EQ(f.windowTitle(), "Print Map");
     EXPECT_EQ(f.size(), QSize(9060 / 15, 8655 / 15));
-    EXPECT_EQ(f.parentWidget(), nullptr);
 
     // Captions, visibility and a sample of the design positions.
     struct Placed { const char* name; QWidget* w; std::array<int, 4> at; bool shown; QString caption; };
@@ -185,11 +177,8 @@ TEST_F(Print, WindowControlsStandWhereDesigned)
     auto seenAt = [&](QWidget* w) { return f.childAt(w->geometry().center()); };
     EXPECT_EQ(QList<QWidget*>({seenAt(f.pictEmbedScalebar), seenAt(f.legend1), seenAt(f.Picture1), seenAt(f.Picture3)}),
               QList<QWidget*>({f.sbMapView, f.Picture4, f.Picture1, f.Picture3}));
-}
 
-TEST_F(Print, HeadingTakesAtMostFiftyTypedCharactersCentredInBold)
-{
-    FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
+    // The heading takes at most fifty typed characters, centred in bold.
     EXPECT_EQ(f.txtHeading->text(), "");
     const QString typed = "Wind and solar sites of the northern plains 2024 ab";  // 51 characters
     ASSERT_EQ(typed.size(), 51);
@@ -198,8 +187,7 @@ TEST_F(Print, HeadingTakesAtMostFiftyTypedCharactersCentredInBold)
         QCoreApplication::sendEvent(f.txtHeading, &press);
     }
     EXPECT_EQ(f.txtHeading->text(), typed.left(50));
-    EXPECT_TRUE(f.txtHeading->alignment() & Qt::AlignHCenter);
-    EXPECT_TRUE(f.txtHeading->font().bold());
+    EXPECT_TRUE((f.txtHeading->alignment() & Qt::AlignHCenter) && f.txtHeading->font().bold());
     EXPECT_EQ(f.txtHeading->font().family() + " " + QString::number(f.txtHeading->font().pointSizeF()), "MS Sans Serif 8.25");
 }
 
@@ -492,8 +480,7 @@ TEST_F(Print, ConversionsRoundHalvesToEvenAndFailOutsideSixteenBits)
     EXPECT_TRUE(recorder().boxes.empty());
 
     const QString twipsFailed = " Error in ConvTwips2Pix function. Error Source:frmPrint.ConvTwips2Pix()";
-    EXPECT_EQ(ConvTwips2Pix(screen, 1e6, 0), 0);
-    EXPECT_EQ(ConvTwips2Pix(ScreenMetrics{15, 0}, 100, 1), 0);
+    EXPECT_EQ(ConvTwips2Pix(screen, 1e6, 0) + ConvTwips2Pix(ScreenMetrics{15, 0}, 100, 1), 0);
     EXPECT_EQ(recorder().texts(), QStringList({twipsFailed, twipsFailed}));
     recorder().clear();
 
@@ -506,27 +493,26 @@ TEST_F(Print, ConversionsRoundHalvesToEvenAndFailOutsideSixteenBits)
     const Case toPixels[] = {{600, 1, 0, 600}, {300, 2.5, 1, 750}, {720, 1.5, 0, 1080}, {600, 1, 7, -1}};
     for (const Case& c : toPixels) EXPECT_EQ(at(c.dpi).ConvFrameInch2PrinterPix(c.value, c.axis), c.result) << c.dpi << ": " << c.value;
     EXPECT_TRUE(recorder().boxes.empty());
-    at(600);
-    EXPECT_EQ(f.ConvFrameInch2PrinterPix(100, 0), 0);
-    EXPECT_EQ(f.ConvPrinterPix2FrameInch(1e8, 1), 0);
+    EXPECT_EQ(at(600).ConvFrameInch2PrinterPix(100, 0) + f.ConvPrinterPix2FrameInch(1e8, 1), 0);
     EXPECT_EQ(recorder().texts(),
               QStringList({" Error in ConvFrameInch2PrinterPix function. Error Source:frmPrint.ConvFrameInch2PrinterPix()",
                            " Error in ConvPrinterPix2FrameInch function. Error Source:frmPrint.ConvPrinterPix2FrameInch()"}));
     EXPECT_FALSE(QFileInfo::exists(pdf));
 }
 
-TEST_F(Print, CancelUnloadsTheWindow)
+TEST_F(Print, MenuNeedsLayersAndCancelUnloadsTheWindow)
 {
+    main->mnuPrint_Click();
+    EXPECT_FALSE(frmPrintExists());
+    EXPECT_TRUE(recorder().boxes.empty());
     FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
     QPointer<FrmPrint> form(&f);
     f.Command2->click();
     EXPECT_FALSE(frmPrintExists());
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(form.isNull());
-    // Opening again builds everything anew.
-    frmMain().mnuPrint_Click();
-    EXPECT_TRUE(frmPrintExists());
-    EXPECT_EQ(frmPrint().Map2->Layers().Count(), 1);
+    frmMain().mnuPrint_Click();  // opening again builds everything anew
+    EXPECT_TRUE(frmPrintExists() && frmPrint().Map2->Layers().Count() == 1);
 }
 
 // The whole page as a person sees it: the result in its class colours on the
@@ -542,8 +528,7 @@ TEST_F(Print, PrintedPdfShowsTheResultHeadingScaleBarAndLegends)
     SetClassSymbolColor("WINDPWRD", 250, low), SetClassSymbolColor("WINDPWRD", 900, high);
     const int lowClass = low->Color, highClass = high->Color;
     ASSERT_NE(lowClass, highClass);
-    const auto [left, right] = middleHalves(map1);
-    putResult({{left, lowClass}, {right, highClass}});
+    putResult({{middleHalves(map1).first, lowClass}, {middleHalves(map1).second, highClass}});
     recorder().clear();
 
     // The legends are drawn whatever the hidden top layer hides.
@@ -556,19 +541,11 @@ TEST_F(Print, PrintedPdfShowsTheResultHeadingScaleBarAndLegends)
     ASSERT_FALSE(page.isNull());
 
     // 1/600 inch to pixels at 50 dpi: divide by 12.
-    auto at50 = [](double l, double t, double w, double h) {
-        return QRect(int(l / 12) + 1, int(t / 12) + 1, int(w / 12) - 2, int(h / 12) - 2);
-    };
-    const QRect mapArea = at50(300, 350, 4000, 3700);
+    auto at50 = [](double l, double t, double w, double h) { return QRect(int(l / 12) + 1, int(t / 12) + 1, int(w / 12) - 2, int(h / 12) - 2); };
     auto colour = [](int c) { return QColor(RedOf(c), GreenOf(c), BlueOf(c)); };
-    EXPECT_GT(countColour(page, mapArea, colour(lowClass), 6), 200);
-    EXPECT_GT(countColour(page, mapArea, colour(highClass), 6), 200);
+    for (int c : {lowClass, highClass}) EXPECT_GT(countColour(page, at50(300, 350, 4000, 3700), colour(c), 6), 200);
     EXPECT_EQ(countColour(page, at50(0, 4200, 300, 1000), colour(lowClass), 6), 0) << "nothing left of the map";
-
-    auto inked = [&](QRect r) {
-        r = r.intersected(page.rect());
-        return r.width() * r.height() - countColour(page, r, Qt::white, 16);
-    };
+    auto inked = [&](QRect r) { return (r = r.intersected(page.rect())).width() * r.height() - countColour(page, r, Qt::white, 16); };
     EXPECT_GT(inked(at50(550, 250, 3000, 150)), 10) << "heading";
     // The legends cover the scale bar image's lowest third; the bar shows above them.
     for (QColor bar : {QColor(128, 128, 128), QColor(192, 192, 255)})
