@@ -67,13 +67,11 @@ protected:
     {
         const std::string path = dir + "/" + name + ".shp";
         datagen::writeShapefile(path, kind, fields, features, false);
-        GeoDatasetPtr ds = GeoDataset::open(QString::fromStdString(path));
-        EXPECT_TRUE(ds) << path;
         auto l = std::make_shared<MapLayer>();
-        l->setGeoDataset(ds);
+        l->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
+        EXPECT_TRUE(l->GeoDataset()) << path;
         l->Name = QString::fromStdString(name);
-        map.Layers().Add(l);
-        return l;
+        return map.Layers().Add(l), l;
     }
 
     MapLayerPtr polygons(const std::string& name, const std::vector<std::string>& wkts, int color)
@@ -186,7 +184,7 @@ TEST_F(MapTest, ShapesDrawnInFirstBeforeLayerDrawLieUnderEveryLayer)
 
 // ---- how features look ----
 
-TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClass)
+TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKeepTheLayerSymbol)
 {
     // One square per value, left to right; the null one keeps the layer symbol.
     const std::vector<AttrValue> values = {199.9, 200.0, 200.1, 300.0, 300.5, 1e6, -5.0, std::monostate{}};
@@ -206,24 +204,21 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClass)
 
     const int expected[] = {colors[0], colors[0], colors[1], colors[1], colors[2], colors[2], colors[0], Grey};
     for (size_t i = 0; i < values.size(); ++i) EXPECT_EQ(at(img, i * 12.0 + 6, 50), rgbOf(expected[i])) << "square " << i;
-}
 
-// Value maps match the stored text exactly, with case and leading blanks; a
-// renderer on a field the layer lacks, or on text that is no number, leaves
-// the layer symbol.
-TEST_F(MapTest, FeaturesTheRendererCannotClassKeepTheLayerSymbol)
-{
+    // Value maps match the stored text exactly, with case and leading blanks; a
+    // renderer on a field the layer lacks, or on text that is no number, leaves
+    // the layer symbol.
     const std::vector<std::string> texts = {"FOREST", " FOREST", "forest", "WATER"};
-    std::vector<FeatureSpec> f;
-    for (size_t i = 0; i < texts.size(); ++i) f.push_back({square(i * 20.0 + 2, 60, i * 20.0 + 18, 80), {texts[i]}});
-    MapLayerPtr landuse = layer("landuse", GeomKind::Polygon, f, {{"LAND_USE", 'C', 40}});
+    std::vector<FeatureSpec> g;
+    for (size_t i = 0; i < texts.size(); ++i) g.push_back({square(i * 20.0 + 2, 60, i * 20.0 + 18, 80), {texts[i]}});
+    MapLayerPtr landuse = layer("landuse", GeomKind::Polygon, g, {{"LAND_USE", 'C', 40}});
     landuse->Symbol = solid(Grey);
-    auto values = std::make_shared<ValueMapRenderer>();
-    values->Field = "LAND_USE";
-    values->setValueCount(2);
-    values->setValue(0, "FOREST"), values->setValue(1, "WATER");
-    values->Symbol(0)->Color = RGB(26, 129, 78), values->Symbol(1)->Color = RGB(102, 140, 190);
-    landuse->Renderer = values;
+    auto valueMap = std::make_shared<ValueMapRenderer>();
+    valueMap->Field = "LAND_USE";
+    valueMap->setValueCount(2);
+    valueMap->setValue(0, "FOREST"), valueMap->setValue(1, "WATER");
+    valueMap->Symbol(0)->Color = RGB(26, 129, 78), valueMap->Symbol(1)->Color = RGB(102, 140, 190);
+    landuse->Renderer = valueMap;
 
     auto breaks = std::make_shared<ClassBreaksRenderer>();
     breaks->Field = "WINDPWRD";
@@ -235,8 +230,7 @@ TEST_F(MapTest, FeaturesTheRendererCannotClassKeepTheLayerSymbol)
                              {{"WINDPWRD", 'C', 10}});
     text->Symbol = solid(Blue);
     text->Renderer = breaks;
-    view100();
-    QImage img = picture();
+    img = picture();
 
     EXPECT_EQ(at(img, 10, 70), rgbOf(RGB(26, 129, 78)));
     EXPECT_EQ(at(img, 30, 70), rgbOf(Grey)) << "a leading blank is part of the value";
@@ -276,7 +270,7 @@ TEST_F(MapTest, StylesOfPolygonsLinesAndMarkers)
 
 // ---- the view ----
 
-TEST_F(MapTest, SetExtentKeepsTheControlsAspectAboutTheCentre)
+TEST_F(MapTest, SetExtentKeepsTheAspectAboutTheCentreAndPointsFollowIt)
 {
     map.resize(200, 100);
     map.setExtent(Rectangle(0, 0, 100, 100));
@@ -299,6 +293,18 @@ TEST_F(MapTest, SetExtentKeepsTheControlsAspectAboutTheCentre)
     // A resize keeps what was asked for in view.
     map.resize(100, 200);
     expectRect(map.Extent(), 10, -20, 50, 60);
+
+    // Twips to map units; CenterAt redraws about the point.
+    map.resize(200, 100);
+    map.setExtent(Rectangle(0, 0, 200, 100));  // one unit to the pixel
+    struct Case { float x, y; double mx, my; };
+    for (const Case& c : {Case{0, 0, 0, 100}, Case{3000, 1500, 200, 0}, Case{1500, 750, 100, 50}, Case{150, 300, 10, 80}})
+        EXPECT_EQ(QPointF(map.ToMapPoint(c.x, c.y)->X(), map.ToMapPoint(c.x, c.y)->Y()), QPointF(c.mx, c.my)) << c.x;
+    log.clear();
+    map.CenterAt(30, 40);
+    EXPECT_EQ(log.events, QStringList({"before tracking", "after tracking"}));
+    expectRect(map.Extent(), -70, -10, 130, 90);
+    EXPECT_EQ(QPointF(map.ToMapPoint(1500, 750)->X(), map.ToMapPoint(1500, 750)->Y()), QPointF(30, 40));
 }
 
 TEST_F(MapTest, FirstLayerSetsTheFullExtentAndFullExtentEnclosesAllLayers)
@@ -323,21 +329,6 @@ TEST_F(MapTest, FirstLayerSetsTheFullExtentAndFullExtentEnclosesAllLayers)
     map.Layers().Clear();
     polygons("c", {square(0, 0, 10, 10)}, Red);
     EXPECT_LT(map.Extent()->Width(), 15);
-}
-
-TEST_F(MapTest, ToMapPointAndCenterAtAgree)
-{
-    map.resize(200, 100);
-    map.setExtent(Rectangle(0, 0, 200, 100));  // one unit to the pixel
-    struct Case { float x, y; double mx, my; };
-    for (const Case& c : {Case{0, 0, 0, 100}, Case{3000, 1500, 200, 0}, Case{1500, 750, 100, 50}, Case{150, 300, 10, 80}})
-        EXPECT_EQ(QPointF(map.ToMapPoint(c.x, c.y)->X(), map.ToMapPoint(c.x, c.y)->Y()), QPointF(c.mx, c.my)) << c.x;
-
-    EventLog log(map);
-    map.CenterAt(30, 40);
-    EXPECT_EQ(log.events, QStringList({"before tracking", "after tracking"})) << "CenterAt redraws";
-    expectRect(map.Extent(), -70, -10, 130, 90);
-    EXPECT_EQ(QPointF(map.ToMapPoint(1500, 750)->X(), map.ToMapPoint(1500, 750)->Y()), QPointF(30, 40));
 }
 
 // ---- the mouse ----
