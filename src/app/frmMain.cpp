@@ -703,3 +703,8 @@ void FrmMain::Map1_AfterTrackingLayerDraw(QPainter* hDC)
         ErrorMessage(" Error while trying to draw tracking layer. Error Source:frmMain.Map1_AfterTrackingLayerDraw()", 48);
     }
 }
+
+MapLayerPtr LayerByFile(const QString& file)
+{
+    return frmMain().Map1->Layers().Item(cLayerIndex->Item(file));
+}

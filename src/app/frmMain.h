@@ -143,6 +143,10 @@ private:
     void buildControls();
 };
 
+// The layer of Map1 that cLayerIndex names for a standard file; a file that is
+// not loaded fails, as the key is missing.
+MapLayerPtr LayerByFile(const QString& file);
+
 // The one shared instance, made (and loaded) at first use.
 FrmMain& frmMain();
 bool frmMainExists();

@@ -9,20 +9,6 @@
 #include "mapping/platform.h"
 #include "workspace/state.h"
 
-namespace {
-
-MapLayerPtr layerOf(const QString& file)
-{
-    return frmMain().Map1->Layers().Item(cLayerIndex->Item(file));
-}
-
-int countOf(const RecordsetPtr& records)
-{
-    return records ? records->CalculateStatistics("FeatureID")->Count : 0;
-}
-
-}  // namespace
-
 void wind_with_land_use()
 {
     try {
@@ -59,10 +45,10 @@ void Wind_Landuse_Overlay()
         if (expression.length() < 4) throw MapError("no land use chosen");
         expression.chop(4);
 
-        RecordsetPtr landRecords = layerOf("02_landuse.shp")->SearchExpression(expression);
-        const int landCount = countOf(landRecords);
-        RecordsetPtr windRecords = layerOf("20_wind.shp")->SearchExpression(CreateWindSelectExpression());
-        const int windCount = countOf(windRecords);
+        RecordsetPtr landRecords = LayerByFile("02_landuse.shp")->SearchExpression(expression);
+        const int landCount = overlay::countOf(landRecords);
+        RecordsetPtr windRecords = LayerByFile("20_wind.shp")->SearchExpression(CreateWindSelectExpression());
+        const int windCount = overlay::countOf(windRecords);
         cFieldValues = std::make_shared<Collection<QVariant>>();
         sFieldName = "WINDPWRD";
         const int pairs = conv::MulInt32(windCount, landCount);

@@ -16,20 +16,6 @@
 
 namespace {
 
-template <typename F>
-void passOver(F&& step)
-{
-    try {
-        step();
-    } catch (...) {
-    }
-}
-
-MapLayerPtr layerOf(const QString& file)
-{
-    return frmMain().Map1->Layers().Item(cLayerIndex->Item(file));
-}
-
 // The buffers a polygon of the tiers is made of. Uniting two of them only
 // joins the lists; the area itself is united once, at the end, which gives
 // the same polygon as uniting buffer by buffer at a fraction of the cost, or
@@ -50,7 +36,7 @@ Buffers bufferOf(Recordset& records, double distance)
 std::shared_ptr<overlay::PolygonSet> line_buffer_parts(const QString& sLayerFile, float sngDistance)
 {
     try {
-        MapLayerPtr layer = layerOf(sLayerFile);
+        MapLayerPtr layer = LayerByFile(sLayerFile);
         RecordsetPtr records = layer->SearchExpression("FeatureID > -1");
         if (!records) throw MapError("layer without records");
         const int16_t count = conv::ToInt16(records->CalculateStatistics("FeatureID")->Count);
@@ -212,7 +198,7 @@ void bufferOverlay(const std::function<ShapePtr(const ShapePtr&)>& cut)
     try {
         ShowProgress("Overlaying...");
         extent = frmMain().Map1->FullExtent();
-        records = layerOf("20_wind.shp")->SearchExpression(CreateWindSelectExpression());
+        records = LayerByFile("20_wind.shp")->SearchExpression(CreateWindSelectExpression());
         windCount = records ? records->CalculateStatistics("FeatureID")->Count : 0;
         cFieldValues = std::make_shared<Collection<QVariant>>();
         sFieldName = "WINDPWRD";
@@ -230,22 +216,22 @@ void bufferOverlay(const std::function<ShapePtr(const ShapePtr&)>& cut)
             YieldToEvents();
             if (bCancelQuery) return;
             bool isPolygon = false;
-            passOver([&] { isPolygon = records->Fields()("Shape").Type() == moPolygon; });
+            overlay::passOver([&] { isPolygon = records->Fields()("Shape").Type() == moPolygon; });
             if (isPolygon) {
-                passOver([&] { piece = cut(records->Fields()("Shape").shapeValue()); });
+                overlay::passOver([&] { piece = cut(records->Fields()("Shape").shapeValue()); });
                 PolygonPtr polygon;
-                passOver([&] {
+                overlay::passOver([&] {
                     if (auto rect = std::dynamic_pointer_cast<Rectangle>(piece)) polygon = rect->Buffer(0, extent);
                     else polygon = std::dynamic_pointer_cast<Polygon>(piece);
                 });
-                if (polygon) passOver([&] { AppendResult(polygon, *records, "WINDPWRD"); });
+                if (polygon) overlay::passOver([&] { AppendResult(polygon, *records, "WINDPWRD"); });
             }
-            passOver([&] { ShowProgress(ProgressText("Overlaying... ", double(n) / double(windCount))); });
+            overlay::passOver([&] { ShowProgress(ProgressText("Overlaying... ", double(n) / double(windCount))); });
             ++n;
             records->MoveNext();
         }
     }
-    passOver([&] { ShowProgress("Overlaying... finished"); });
+    overlay::passOver([&] { ShowProgress("Overlaying... finished"); });
 }
 
 }  // namespace

@@ -13,6 +13,23 @@
 
 namespace overlay {
 
+// The number of records a search selected; none selects nothing.
+inline int countOf(const RecordsetPtr& records)
+{
+    return records ? records->CalculateStatistics("FeatureID")->Count : 0;
+}
+
+// A failing step of an overlay loop is passed over; the loop goes on.
+template <typename F>
+void passOver(F&& step)
+{
+    try {
+        step();
+    } catch (...) {
+    }
+}
+
+
 // The records of one selection, with their shapes made at first use.
 class Selection {
 public:

@@ -14,26 +14,6 @@
 
 namespace {
 
-// A failing step of the overlay loop is passed over; the loop goes on.
-template <typename F>
-void passOver(F&& step)
-{
-    try {
-        step();
-    } catch (...) {
-    }
-}
-
-MapLayerPtr layerOf(const QString& file)
-{
-    return frmMain().Map1->Layers().Item(cLayerIndex->Item(file));
-}
-
-int countOf(const RecordsetPtr& records)
-{
-    return records ? records->CalculateStatistics("FeatureID")->Count : 0;
-}
-
 // The dissolve: the first record's shape united with every further polygon,
 // in one cascaded union where it can be; record by record where it cannot,
 // so that a record whose union fails is left out as it would be there.
@@ -42,7 +22,7 @@ ShapePtr dissolve(const RecordsetPtr& records, int stop)
     const GeoDatasetPtr& ds = records->dataset();
     const std::vector<int>& ids = records->ids();
     ShapePtr whole;
-    passOver([&] { whole = ds->shape(ids.front()); });
+    overlay::passOver([&] { whole = ds->shape(ids.front()); });
     if (!whole || stop <= 1) return whole;
 
     try {
@@ -53,7 +33,7 @@ ShapePtr dissolve(const RecordsetPtr& records, int stop)
     } catch (...) {
     }
     for (int i = 1; i < stop; ++i) {
-        passOver([&] {
+        overlay::passOver([&] {
             auto geo = std::dynamic_pointer_cast<GeoShape>(whole);
             if (!geo) throw MapError("no shape to unite with");
             whole = geo->Union(ds->shape(ids[size_t(i)]));
@@ -81,11 +61,11 @@ void Wind_ProtectedArea_Overlay()
     int n = 0;
     try {
         ShowProgress("Overlaying...");
-        protectedRecords = layerOf("31_protectedarea.shp")->SearchExpression("FeatureID > -1");
-        const int protectedCount = countOf(protectedRecords);
+        protectedRecords = LayerByFile("31_protectedarea.shp")->SearchExpression("FeatureID > -1");
+        const int protectedCount = overlay::countOf(protectedRecords);
         const QString expression = CreateWindSelectExpression();
-        windRecords = layerOf("20_wind.shp")->SearchExpression(expression);
-        windCount = countOf(windRecords);
+        windRecords = LayerByFile("20_wind.shp")->SearchExpression(expression);
+        windCount = overlay::countOf(windRecords);
         conv::MulInt32(windCount, protectedCount);  // never used, but its overflow ends the query
         cFieldValues = std::make_shared<Collection<QVariant>>();
         sFieldName = "WINDPWRD";
@@ -98,7 +78,7 @@ void Wind_ProtectedArea_Overlay()
     // From here on no message can appear, apart from the one of a protected
     // record that is no polygon.
     RectanglePtr extent;
-    passOver([&] { extent = frmMain().Map1->FullExtent(); });
+    overlay::passOver([&] { extent = frmMain().Map1->FullExtent(); });
 
     ShapePtr protectedPolygon;
     if (protectedRecords) {
@@ -122,7 +102,7 @@ void Wind_ProtectedArea_Overlay()
     }
 
     PolygonPtr dissolved;
-    passOver([&] {
+    overlay::passOver([&] {
         if (protectedPolygon && protectedPolygon->shapeType() == moPolygon) dissolved = asPolygon(protectedPolygon);
     });
     overlay::NearbyParts nearby(dissolved);
@@ -135,21 +115,21 @@ void Wind_ProtectedArea_Overlay()
             if (dissolved) {
                 ShapePtr remainder;
                 bool isPolygon = false;
-                passOver([&] { isPolygon = windRecords->Fields()("Shape").Type() == moPolygon; });
+                overlay::passOver([&] { isPolygon = windRecords->Fields()("Shape").Type() == moPolygon; });
                 if (isPolygon) {
-                    passOver([&] {
+                    overlay::passOver([&] {
                         auto wind = std::dynamic_pointer_cast<GeoShape>(windRecords->Fields()("Shape").shapeValue());
                         if (!wind) throw MapError("no wind shape");
                         PolygonPtr near = nearby.around(wind->envelope());
                         remainder = near ? wind->Difference(near, extent) : wind;
                     });
-                    if (remainder) passOver([&] { AppendResult(remainder, *windRecords, "WINDPWRD"); });
+                    if (remainder) overlay::passOver([&] { AppendResult(remainder, *windRecords, "WINDPWRD"); });
                 }
             }
-            passOver([&] { ShowProgress(ProgressText("Overlaying... ", double(n) / double(windCount))); });
+            overlay::passOver([&] { ShowProgress(ProgressText("Overlaying... ", double(n) / double(windCount))); });
             windRecords->MoveNext();
             ++n;
         }
     }
-    passOver([&] { ShowProgress("Overlaying... finished"); });
+    overlay::passOver([&] { ShowProgress("Overlaying... finished"); });
 }

@@ -145,7 +145,7 @@ void HideContextLayers(const QStringList& files, bool refresh)
     FrmMain& f = frmMain();
     for (const QString& file : files) {
         QString message;
-        if (isLayerExist(file, message)) f.Map1->Layers().Item(cLayerIndex->Item(file))->Visible = false;
+        if (isLayerExist(file, message)) LayerByFile(file)->Visible = false;
     }
     if (refresh) {
         f.Map1->Refresh();

@@ -15,7 +15,7 @@ void solar_x_kwhm2_or_better()
         ShowProgress(QStringLiteral("Calculating..."));
 
         const QString expression = CreateSolarSelectExpression();
-        MapLayerPtr layer = frmMain().Map1->Layers().Item(cLayerIndex->Item(sSolarLayerFile));
+        MapLayerPtr layer = LayerByFile(sSolarLayerFile);
         RecordsetPtr records = layer->SearchExpression(expression);
         const int total = records ? records->CalculateStatistics("FeatureID")->Count : 0;
 
@@ -52,9 +52,8 @@ void best_solar_off_grid_systems()
         bool first = true;
 
         if (!cShapes || !cSymbols || !cGridDistances) throw MapError("result model not made");
-        const LayersCollection& layers = frmMain().Map1->Layers();
-        RecordsetPtr lineRecords = layers.Item(cLayerIndex->Item("44_transmissionline.shp"))->SearchExpression("FeatureID > -1");
-        RecordsetPtr solarRecords = layers.Item(cLayerIndex->Item(sSolarLayerFile))->SearchExpression("FeatureID > -1");
+        RecordsetPtr lineRecords = LayerByFile("44_transmissionline.shp")->SearchExpression("FeatureID > -1");
+        RecordsetPtr solarRecords = LayerByFile(sSolarLayerFile)->SearchExpression("FeatureID > -1");
 
         // First pass: every polygon with its distance to the nearest line.
         for (; solarRecords && !solarRecords->Eof(); solarRecords->MoveNext()) {

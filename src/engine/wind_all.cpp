@@ -1,9 +1,9 @@
 // "Best wind (all)": near roads and transmission lines, on the chosen land
 // use, in the wind range and, if asked, outside the protected areas.
-#include "app/frmMain.h"
-#include "app/messages.h"
 #include <functional>
 
+#include "app/frmMain.h"
+#include "app/messages.h"
 #include "engine/expressions.h"
 #include "engine/line_buffers.h"
 #include "engine/overlay_support.h"
@@ -13,16 +13,6 @@
 #include "workspace/state.h"
 
 namespace {
-
-MapLayerPtr layerOf(const QString& file)
-{
-    return frmMain().Map1->Layers().Item(cLayerIndex->Item(file));
-}
-
-int countOf(const RecordsetPtr& records)
-{
-    return records ? records->CalculateStatistics("FeatureID")->Count : 0;
-}
 
 // The protected areas taken away one by one, in record order, the first
 // record without a test of its type. A record whose box misses the polygon
@@ -70,8 +60,8 @@ void windAllOverlay(const std::function<PolygonPtr(const ShapePtr&)>& proximity)
         if (expression.length() < 4) throw MapError("no land use chosen");
         expression.chop(4);
 
-        RecordsetPtr records = layerOf("02_landuse.shp")->SearchExpression(expression);
-        int recordCount = countOf(records);
+        RecordsetPtr records = LayerByFile("02_landuse.shp")->SearchExpression(expression);
+        int recordCount = overlay::countOf(records);
 
         // Land-use stage: the proximity area cut by each land-use polygon.
         Collection<PolygonPtr> pieces;
@@ -100,8 +90,8 @@ void windAllOverlay(const std::function<PolygonPtr(const ShapePtr&)>& proximity)
         records.reset();
 
         step([&] {
-            records = layerOf("20_wind.shp")->SearchExpression(CreateWindSelectExpression());
-            recordCount = countOf(records);
+            records = LayerByFile("20_wind.shp")->SearchExpression(CreateWindSelectExpression());
+            recordCount = overlay::countOf(records);
         });
         int steps = 0;
         step([&] { steps = conv::MulInt32(recordCount, pieces.Count()); });
@@ -109,7 +99,7 @@ void windAllOverlay(const std::function<PolygonPtr(const ShapePtr&)>& proximity)
 
         const bool ticked = f.chkProtectedAreas->checkState() == Qt::Checked;
         overlay::Selection areas;
-        if (ticked) step([&] { areas = overlay::Selection(layerOf("31_protectedarea.shp")->SearchExpression("FeatureID > -1")); });
+        if (ticked) step([&] { areas = overlay::Selection(LayerByFile("31_protectedarea.shp")->SearchExpression("FeatureID > -1")); });
 
         // Wind and protected-area stage, piece by piece; within a piece the
         // wind records whose boxes meet it, in record order.

@@ -15,7 +15,7 @@ void wind_class_x_or_better()
         ShowProgress(QStringLiteral("Calculating..."));
 
         const QString expression = CreateWindSelectExpression();
-        MapLayerPtr layer = frmMain().Map1->Layers().Item(cLayerIndex->Item("20_wind.shp"));
+        MapLayerPtr layer = LayerByFile("20_wind.shp");
         RecordsetPtr records = layer->SearchExpression(expression);
         const int total = records ? records->CalculateStatistics("FeatureID")->Count : 0;
 

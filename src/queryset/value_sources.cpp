@@ -10,11 +10,6 @@
 
 namespace {
 
-MapLayerPtr layerOf(const QString& fileName)
-{
-    return frmMain().Map1->Layers().Item(cLayerIndex->Item(fileName));
-}
-
 const QString WindShapefileMessage =
     "Cannot perform the Query. Please check the Wind Energy shapefile.This can happen if there is no WINDPWRD "
     "field in the shape file.";
@@ -28,7 +23,7 @@ void FillWindDensityDropDowns()
         FrmMain& f = frmMain();
         f.cboQueryDropDown->Clear();
         f.cboQueryDropDown2->Clear();
-        auto renderer = std::dynamic_pointer_cast<ClassBreaksRenderer>(layerOf("20_wind.shp")->Renderer);
+        auto renderer = std::dynamic_pointer_cast<ClassBreaksRenderer>(LayerByFile("20_wind.shp")->Renderer);
         if (!renderer) throw MapError("wind layer without class breaks");
         for (int i = 0; i < renderer->BreakCount(); ++i) {
             const QString text = conv::NumText(renderer->Break(i));
@@ -49,7 +44,7 @@ void FillLandUseDropDown()
     try {
         FrmMain& f = frmMain();
         f.lstQuery1->Clear();
-        RecordsetPtr records = layerOf("02_landuse.shp")->SearchExpression("FeatureID > -1");
+        RecordsetPtr records = LayerByFile("02_landuse.shp")->SearchExpression("FeatureID > -1");
         if (!records) throw MapError("no land-use records");
         Strings names;
         while (!records->Eof()) {
@@ -86,7 +81,7 @@ void getMaxWindDensity()
     RecordsetPtr records;
     bool searchFailed = false;
     try {
-        records = layerOf("20_wind.shp")->SearchExpression("WINDPWRD >= 0");
+        records = LayerByFile("20_wind.shp")->SearchExpression("WINDPWRD >= 0");
     } catch (...) {
         searchFailed = true;
     }

@@ -219,7 +219,7 @@ QString CreateAreaDescription(int color)
         FrmMain& f = frmMain();
         const QString query = f.cboSelectQuery->Text();
         if (isWindQuery(query)) {
-            auto renderer = classBreaks(f.Map1->Layers().Item(cLayerIndex->Item("20_wind.shp")));
+            auto renderer = classBreaks(LayerByFile("20_wind.shp"));
             const int b = renderer->BreakCount();
             const int i = symbolIndexOf(*renderer, color);
             if (i < 0) return QStringLiteral("Wind Power Density < 200");
