@@ -2,7 +2,7 @@
 BUILD ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: run test build deps sample clean bench
+.PHONY: run test build deps clean bench
 
 deps:
 	@bash tools/install-deps.sh
@@ -10,11 +10,10 @@ deps:
 build: deps
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release > /dev/null
 	@cmake --build $(BUILD) -j$(JOBS)
-
-sample: build
+	@# the sample dataset beside the program, where Open Dataset starts
 	@[ -f $(BUILD)/sample/20_wind.shp ] || $(BUILD)/marlowan-gendata --size small --seed 1 $(BUILD)/sample
 
-run: sample
+run: build
 	@cd $(BUILD) && ./marlowan
 
 test: build
