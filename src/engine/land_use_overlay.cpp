@@ -26,14 +26,7 @@ void Wind_Landuse_Overlay()
 {
     int n = 0;  // first the index of the list, then the land record counter
     int j = 0;
-    bool tolerant = false;
-    auto step = [&](auto&& fn) {
-        if (!tolerant) return fn();
-        try {
-            fn();
-        } catch (...) {
-        }
-    };
+    overlay::Steps step;
 
     try {
         FrmMain& f = frmMain();
@@ -77,7 +70,7 @@ void Wind_Landuse_Overlay()
             step([&] { landIsPolygon = landRecords->Fields()("Shape").Type() == moPolygon; });
             if (landIsPolygon) {
                 j = 0;
-                if (polygonWinds > 0) tolerant = true;
+                if (polygonWinds > 0) step.tolerant = true;
                 ShapePtr land;
                 step([&] { land = landRecords->Fields()("Shape").shapeValue(); });
                 overlay::NearbyParts nearby(std::dynamic_pointer_cast<Polygon>(land));
@@ -123,7 +116,7 @@ void Wind_Landuse_Overlay()
         }
         step([&] { ShowProgress("Overlaying... finished"); });
     } catch (...) {
-        if (!tolerant)
+        if (!step.tolerant)
             ErrorMessage(" Error Source:md_query_functions2.Wind_Landuse_Overlay()" + QString::number(n) + "--" +
                          QString::number(j), 48);
     }

@@ -19,6 +19,21 @@ inline int countOf(const RecordsetPtr& records)
     return records ? records->CalculateStatistics("FeatureID")->Count : 0;
 }
 
+// The steps of a worker: a failure ends the worker until its overlay loop has
+// begun (tolerant set), and from then on a failing step is passed over.
+struct Steps {
+    bool tolerant = false;
+    template <typename F>
+    void operator()(F&& fn) const
+    {
+        if (!tolerant) return fn();
+        try {
+            fn();
+        } catch (...) {
+        }
+    }
+};
+
 // A failing step of an overlay loop is passed over; the loop goes on.
 template <typename F>
 void passOver(F&& step)

@@ -39,14 +39,7 @@ PolygonPtr subtractProtected(PolygonPtr polygon, overlay::Selection& areas)
 // with a land-use polygon, or throws where that cut fails.
 void windAllOverlay(const std::function<PolygonPtr(const ShapePtr&)>& proximity)
 {
-    bool tolerant = false;
-    auto step = [&](auto&& fn) {
-        if (!tolerant) return fn();
-        try {
-            fn();
-        } catch (...) {
-        }
-    };
+    overlay::Steps step;
 
     try {
         FrmMain& f = frmMain();
@@ -74,7 +67,7 @@ void windAllOverlay(const std::function<PolygonPtr(const ShapePtr&)>& proximity)
                 bool isPolygon = false;
                 step([&] { isPolygon = records->Fields()("Shape").Type() == moPolygon; });
                 if (isPolygon) {
-                    tolerant = true;
+                    step.tolerant = true;
                     PolygonPtr polygon;
                     try {
                         polygon = proximity(records->Fields()("Shape").shapeValue());
@@ -135,7 +128,7 @@ void windAllOverlay(const std::function<PolygonPtr(const ShapePtr&)>& proximity)
         }
         step([&] { ShowProgress("Overlaying... finished"); });
     } catch (...) {
-        if (!tolerant) ErrorMessage(" Error Source:md_query_functions2.Wind_All_Overlay()", 48);
+        if (!step.tolerant) ErrorMessage(" Error Source:md_query_functions2.Wind_All_Overlay()", 48);
     }
 }
 
