@@ -78,6 +78,25 @@ TEST(Selection, RangeExpressionsAreInclusiveAndNoneWhenNothingMatches)
     EXPECT_THROW(rs->CalculateStatistics("NOSUCH"), MapError);
 }
 
+// A grid repeats its values; an expression over one field is evaluated once per
+// distinct value, which must select exactly what a record-by-record pass would.
+TEST(Selection, RepeatedValuesNullsAndRecordNumbersSelectAsRecordByRecord)
+{
+    const std::string path = testsupport::tempDir("grid") + "/14_solar_glo.shp";
+    std::vector<FeatureSpec> f;
+    const datagen::AttrValue values[] = {5.5, std::monostate{}, 5.5, 6.75, 4.0, std::monostate{}, 6.75, 5.5};
+    for (int i = 0; i < 8; ++i) f.push_back({square(i * 10.0, 0, 10), {values[i], (long long)(i % 3)}});
+    datagen::writeShapefile(path, GeomKind::Polygon, {{"ANNGLO", 'N', 19, 8}, {"ZONE", 'I'}}, f);
+    auto grid = layerFor(path);
+    ASSERT_TRUE(grid);
+    EXPECT_EQ(idsOf(grid->SearchExpression("ANNGLO >= 5 AND ANNGLO <= 6.5")), (std::vector<int>{0, 2, 7}));
+    EXPECT_EQ(idsOf(grid->SearchExpression("ANNGLO IS NULL")), (std::vector<int>{1, 5}));
+    EXPECT_EQ(idsOf(grid->SearchExpression("ZONE = 1")), (std::vector<int>{1, 4, 7}));
+    // The record's own number makes each record different, even with equal values.
+    EXPECT_EQ(idsOf(grid->SearchExpression("ANNGLO = 5.5 AND FeatureID > 0")), (std::vector<int>{2, 7}));
+    EXPECT_EQ(idsOf(grid->SearchExpression("ANNGLO = 5.5 AND FID > 0")), (std::vector<int>{2, 7}));
+}
+
 TEST(Selection, TextsKeepLeadingBlanksAndTheExpressionSeesThem)
 {
     const std::string dir = testsupport::tempDir("text");

@@ -72,3 +72,31 @@ TEST(KeyedCollection, KeysIgnoreCaseAndMissingKeysFail)
     EXPECT_EQ(unkeyed.Item(1), 10);  // positions count from 1
     EXPECT_THROW(unkeyed.Item(0), MapError);
 }
+
+// The result collections are keyed "0", "1", ... and found by number; a key out
+// of that sequence must still behave like any other key.
+TEST(KeyedCollection, NumberKeysStayExactWhenTheSequenceBreaks)
+{
+    Collection<int> c;
+    c.Add(100, "0");
+    c.Add(101, "1");
+    EXPECT_EQ(c.Item("1"), 101);
+    for (const char* other : {"01", "+1", "2", "-0", " 1", ""}) EXPECT_FALSE(c.contains(other)) << other;
+    EXPECT_THROW(c.Add(9, "1"), MapError);
+    c.Add(105, "5");
+    EXPECT_EQ(c.Item("0"), 100);
+    EXPECT_EQ(c.Item("5"), 105);
+    EXPECT_FALSE(c.contains("2"));
+    EXPECT_THROW(c.Add(9, "0"), MapError);
+    c.Add(102, "2");  // the position it would have had does not matter any more
+    EXPECT_EQ(c.Item("2"), 102);
+    EXPECT_EQ(c.Item(4), 102);
+
+    Collection<int> mixed;
+    mixed.Add(1, "0");
+    mixed.Add(2);  // an item without key ends the numbering
+    mixed.Add(3, "2");
+    EXPECT_FALSE(mixed.contains("1"));
+    EXPECT_EQ(mixed.Item("2"), 3);
+    EXPECT_EQ(mixed.Item(2), 2);
+}

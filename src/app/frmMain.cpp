@@ -201,6 +201,9 @@ void FrmMain::buildControls()
         lblWorking->setFont(f);
         lblWorking->setWordWrap(true);
         SetForeColor(lblWorking, RGB(0, 0, 255));
+        // Opaque, so that a new progress text repaints the label alone and
+        // not the panels behind it: a query run changes it a thousand times.
+        lblWorking->setAutoFillBackground(true);
         lblWorking->setVisible(false);
     }
     Label2 = makeLabel(fraEdit, QStringLiteral("Layers currently displayed"), 150, 4020, 2895, 255, true);
@@ -313,7 +316,8 @@ void FrmMain::RepaintNow()
     // a control marks itself dirty when its caption or state changes, and the
     // map only blits its cached picture. A query run calls this at every
     // record, so it has to cost next to nothing.
-    QCoreApplication::sendPostedEvents(this, QEvent::UpdateRequest);
+    QEvent request(QEvent::UpdateRequest);
+    QCoreApplication::sendEvent(this, &request);
 }
 
 void FrmMain::resizeEvent(QResizeEvent* e)

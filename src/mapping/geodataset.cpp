@@ -3,9 +3,12 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QStringDecoder>
 #include <algorithm>
+#include <cstring>
 #include <mutex>
+#include <unordered_map>
 #include <cpl_conv.h>
 #include <cpl_error.h>
 #include <cpl_string.h>
@@ -237,13 +240,13 @@ std::vector<int> GeoDataset::select(const QString& expression) const
     // One feature is filled with each record's values in turn, and only with
     // the columns the expression names.
     std::vector<int> columns;
+    int namesUsed = 0;
     char** used = fq.GetUsedFields();
-    for (char** u = used; u && *u; ++u)
+    for (char** u = used; u && *u; ++u, ++namesUsed)
         if (int c = query_->defn->GetFieldIndex(*u); c >= 0) columns.push_back(c);
     CSLDestroy(used);
     OGRFeatureUniquePtr feat(OGRFeature::CreateFeature(query_->defn));
-    std::vector<int> out;
-    for (int r = 0; r < count(); ++r) {
+    auto evaluate = [&](int r) {
         for (int c : columns) {
             if (c == nf) {
                 feat->SetField(c, GIntBig(r));
@@ -261,7 +264,46 @@ std::vector<int> GeoDataset::select(const QString& expression) const
             }
         }
         feat->SetFID(r);
-        if (fq.Evaluate(feat.get())) out.push_back(r);
+        return fq.Evaluate(feat.get()) != FALSE;
+    };
+
+    std::vector<int> out;
+    // The cells of a resource grid share a few thousand values: where the
+    // expression names a single field of the table, and nothing else of the
+    // record, each distinct value is evaluated once.
+    const bool byValue = namesUsed == 1 && columns.size() == 1 && columns[0] != nf;
+    if (!byValue) {
+        for (int r = 0; r < count(); ++r)
+            if (evaluate(r)) out.push_back(r);
+    } else {
+        const int c = columns[0];
+        const bool text = fields_[size_t(c)].type == moString;
+        const bool integer = fields_[size_t(c)].type == moLong;
+        std::unordered_map<quint64, bool> numbers;
+        QHash<QString, bool> texts;
+        int ofNull = -1;
+        for (int r = 0; r < count(); ++r) {
+            const QVariant& v = value(r, c);
+            bool selected;
+            if (!v.isValid() || v.isNull()) {
+                if (ofNull < 0) ofNull = evaluate(r);
+                selected = ofNull;
+            } else if (text) {
+                auto it = texts.constFind(v.toString());
+                selected = it != texts.constEnd() ? *it : *texts.insert(v.toString(), evaluate(r));
+            } else {
+                quint64 bits;
+                if (integer) {
+                    bits = quint64(v.toLongLong());
+                } else {
+                    const double d = v.toDouble();
+                    std::memcpy(&bits, &d, sizeof bits);
+                }
+                auto it = numbers.find(bits);
+                selected = it != numbers.end() ? it->second : numbers.emplace(bits, evaluate(r)).first->second;
+            }
+            if (selected) out.push_back(r);
+        }
     }
     if (CPLGetLastErrorType() == CE_Failure) throw MapError("expression could not be evaluated");
     return out;
