@@ -73,10 +73,12 @@ int main(int argc, char** argv)
     std::vector<double> runs, repaints, bare;
     for (int i = 0; i < repeats; ++i) {
         f.lblWorking->setText(QString());
+        f.ControlEnable(false);  // as in a press: the progress label shows
         ResetProgressRepaintSeconds();
         t.restart();
         fill_cShapes_collection(query);
         runs.push_back(t.nsecsElapsed() / 1e9);
+        f.ControlEnable(true);
         repaints.push_back(ProgressRepaintSeconds());
         bare.push_back(runs.back() - repaints.back());
         std::printf("run %d: %.3f s (progress repaints %.3f s), %d shapes\n", i + 1, runs.back(), repaints.back(),

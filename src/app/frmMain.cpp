@@ -39,7 +39,7 @@ const QString kDataSourceSite = QStringLiteral("www.kelvora.example");
 
 QLabel* makeLabel(QWidget* parent, const QString& text, int l, int t, int w, int h, bool bold = false)
 {
-    auto* lbl = new QLabel(text, parent);
+    auto* lbl = new Label(text, parent);
     SetTwips(lbl, l, t, w, h);
     lbl->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     if (bold) {
