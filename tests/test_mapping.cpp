@@ -95,6 +95,22 @@ TEST(Selection, RepeatedValuesNullsAndRecordNumbersSelectAsRecordByRecord)
     // The record's own number makes each record different, even with equal values.
     EXPECT_EQ(idsOf(grid->SearchExpression("ANNGLO = 5.5 AND FeatureID > 0")), (std::vector<int>{2, 7}));
     EXPECT_EQ(idsOf(grid->SearchExpression("ANNGLO = 5.5 AND FID > 0")), (std::vector<int>{2, 7}));
+
+    // Past the first few thousand records: values that never repeat (evaluated
+    // one by one from there on) and values that keep repeating.
+    const std::string bigPath = testsupport::tempDir("biggrid") + "/14_solar_glo.shp";
+    std::vector<FeatureSpec> cells;
+    for (int i = 0; i < 5000; ++i) cells.push_back({square(i, 0, 1), {double(i), (long long)(i % 50)}});
+    datagen::writeShapefile(bigPath, GeomKind::Polygon, {{"ANNGLO", 'N', 19, 8}, {"ZONE", 'I'}}, cells);
+    auto big = layerFor(bigPath);
+    ASSERT_TRUE(big);
+    const std::vector<int> ranged = idsOf(big->SearchExpression("ANNGLO >= 100 AND ANNGLO < 4200"));
+    ASSERT_EQ(ranged.size(), 4100u);
+    EXPECT_EQ(ranged.front(), 100);
+    EXPECT_EQ(ranged.back(), 4199);
+    const std::vector<int> zoned = idsOf(big->SearchExpression("ZONE = 7"));
+    ASSERT_EQ(zoned.size(), 100u);
+    EXPECT_EQ(zoned.back(), 4957);
 }
 
 TEST(Selection, TextsKeepLeadingBlanksAndTheExpressionSeesThem)

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstring>
 #include <mutex>
-#include <unordered_map>
 #include <cpl_conv.h>
 #include <cpl_error.h>
 #include <cpl_string.h>
@@ -269,27 +268,32 @@ std::vector<int> GeoDataset::select(const QString& expression) const
 
     std::vector<int> out;
     // The cells of a resource grid share a few thousand values: where the
-    // expression names a single field of the table, and nothing else of the
-    // record, each distinct value is evaluated once.
-    const bool byValue = namesUsed == 1 && columns.size() == 1 && columns[0] != nf;
-    if (!byValue) {
-        for (int r = 0; r < count(); ++r)
-            if (evaluate(r)) out.push_back(r);
-    } else {
+    // expression names a single field of the table and nothing else of the
+    // record, each distinct value is evaluated once. Where the values hardly
+    // repeat (fewer than one in eight of the first 4,096 records has the value
+    // of an earlier one), remembering them costs more than it saves, and the
+    // rest is evaluated record by record.
+    constexpr int kTrial = 4096;
+    int r = 0;
+    if (namesUsed == 1 && columns.size() == 1 && columns[0] != nf) {
         const int c = columns[0];
         const bool text = fields_[size_t(c)].type == moString;
         const bool integer = fields_[size_t(c)].type == moLong;
-        std::unordered_map<quint64, bool> numbers;
+        QHash<quint64, bool> numbers;
         QHash<QString, bool> texts;
         int ofNull = -1;
-        for (int r = 0; r < count(); ++r) {
+        int repeats = 0;
+        for (; r < count(); ++r) {
+            if (r == kTrial && repeats < kTrial / 8) break;
             const QVariant& v = value(r, c);
             bool selected;
             if (!v.isValid() || v.isNull()) {
+                repeats += ofNull >= 0;
                 if (ofNull < 0) ofNull = evaluate(r);
                 selected = ofNull;
             } else if (text) {
                 auto it = texts.constFind(v.toString());
+                repeats += it != texts.constEnd();
                 selected = it != texts.constEnd() ? *it : *texts.insert(v.toString(), evaluate(r));
             } else {
                 quint64 bits;
@@ -299,12 +303,15 @@ std::vector<int> GeoDataset::select(const QString& expression) const
                     const double d = v.toDouble();
                     std::memcpy(&bits, &d, sizeof bits);
                 }
-                auto it = numbers.find(bits);
-                selected = it != numbers.end() ? it->second : numbers.emplace(bits, evaluate(r)).first->second;
+                auto it = numbers.constFind(bits);
+                repeats += it != numbers.constEnd();
+                selected = it != numbers.constEnd() ? *it : *numbers.insert(bits, evaluate(r));
             }
             if (selected) out.push_back(r);
         }
     }
+    for (; r < count(); ++r)
+        if (evaluate(r)) out.push_back(r);
     if (CPLGetLastErrorType() == CE_Failure) throw MapError("expression could not be evaluated");
     return out;
 }
