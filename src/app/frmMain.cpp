@@ -315,7 +315,8 @@ void FrmMain::RepaintNow()
     // Paint at once what has changed since the last paint and nothing else:
     // a control marks itself dirty when its caption or state changes, and the
     // map only blits its cached picture. A query run calls this at every
-    // record, so it has to cost next to nothing.
+    // record, so it has to cost next to nothing: the request is sent
+    // directly rather than fished out of the queue of posted events.
     QEvent request(QEvent::UpdateRequest);
     QCoreApplication::sendEvent(this, &request);
 }

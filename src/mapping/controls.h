@@ -5,10 +5,10 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QHash>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QHash>
 #include <QRawFont>
 #include <QWidget>
 #include <functional>
