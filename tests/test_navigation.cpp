@@ -47,6 +47,21 @@ void writeLayer(const QString& dir, const QString& name, double l, double b, dou
     }
 }
 
+// A directory holding only the country boundary, in the given system (over 20 by
+// 20 degrees or 2000 by 2000 km), loaded.
+void loadCountry(const std::string& name, const QString& wkt)
+{
+    const QString dir = q(testsupport::tempDir(name));
+    if (wkt.startsWith("GEOGCS")) writeLayer(dir, "39_countryboundary.shp", -10, 30, 10, 50, wkt);
+    else writeLayer(dir, "39_countryboundary.shp", 0, 0, 2e6, 2e6, wkt);
+    loadDirectory(dir);
+}
+
+double miles(Map* map, double lon1, double lat1, double lon2, double lat2)
+{
+    return DegreesToMiles(map, lon1, lat1, lon2, lat2);
+}
+
 // A view exactly w wide about (cx, cy), with the control's own proportions so
 // that the map keeps the width asked for.
 void showWidth(Map* map, double cx, double cy, double w)
@@ -68,7 +83,6 @@ TEST_F(Navigation, ScaleTextsByUnit)
 {
     ASSERT_EQ(map()->Width(), 8565);
     EXPECT_EQ(CalculateScale(map()), "- No Map - ");
-    EXPECT_EQ(main->cboScale->Text(), "- No Map - ");
 
     struct Case { const char* name; QString wkt; const char* text; };
     const Case cases[] = {
@@ -81,25 +95,16 @@ TEST_F(Navigation, ScaleTextsByUnit)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const QString dir = q(testsupport::tempDir(std::string("unit-") + c.name));
-        if (c.wkt.startsWith("GEOGCS")) {
-            writeLayer(dir, "39_countryboundary.shp", -10, 30, 10, 50, c.wkt);
-            loadDirectory(dir);
-            showWidth(map(), 0, 40, 10);
-        } else {
-            writeLayer(dir, "39_countryboundary.shp", 0, 0, 2e6, 2e6, c.wkt);
-            loadDirectory(dir);
-            showWidth(map(), 1e6, 1e6, 1e6);
-        }
+        loadCountry(std::string("unit-") + c.name, c.wkt);
+        if (c.wkt.startsWith("GEOGCS")) showWidth(map(), 0, 40, 10);
+        else showWidth(map(), 1e6, 1e6, 1e6);
         EXPECT_EQ(CalculateScale(map()), c.text);
         EXPECT_EQ(main->cboScale->Text(), c.text);
         EXPECT_EQ(main->cboScale->ListCount(), 1);
     }
     EXPECT_NO_BOXES();
-}
 
-TEST_F(Navigation, OnlyTheTopLayersCoordinateSystemCounts)
-{
+    // Only the top layer's coordinate system counts.
     const QString dir = q(testsupport::tempDir("no-units"));
     writeLayer(dir, "01_elevation.shp", 0, 0, 2e6, 2e6, projectedWkt("Meter"));
     writeLayer(dir, "39_countryboundary.shp", 0, 0, 2e6, 2e6, QString());
@@ -109,47 +114,27 @@ TEST_F(Navigation, OnlyTheTopLayersCoordinateSystemCounts)
     EXPECT_EQ(main->cboScale->Text(), "- No Units - ");
 }
 
-TEST_F(Navigation, DistancesOnTheSpheroid)
+TEST_F(Navigation, DistancesOnTheSpheroidAndFailedCalculations)
 {
-    const QString dir = q(testsupport::tempDir("spheroid"));
-    writeLayer(dir, "39_countryboundary.shp", -10, 30, 10, 50, geographicWkt("Degree"));
-    loadDirectory(dir);
+    // No layer to take the spheroid from: the failure shows its text and gives nothing.
+    EXPECT_EQ(miles(map(), 0, 40, 10, 40), 0.0);
+    EXPECT_EQ(recorder().texts(),
+              QStringList{" Error while converting degree to mile. Error Source:md_functions.DegreesToMiles()"});
+    recorder().clear();
 
-    // The same point: nothing to measure, and no division by zero.
-    double a = 0, b = 40, c = 0, d = 40;
-    EXPECT_EQ(DegreesToMiles(map(), a, b, c, d), 0.0);
-    double lon1 = 0, lat1 = 40, lon2 = 10, lat2 = 40;
-    EXPECT_NEAR(DegreesToMiles(map(), lon1, lat1, lon2, lat2), 530.3584, 0.00005);
-    // A degree of latitude on this spheroid is about 69 miles.
-    double lon = 5, la1 = 40, lo2 = 5, la2 = 41;
-    EXPECT_NEAR(DegreesToMiles(map(), lon, la1, lo2, la2), 69.0, 0.1);
+    loadCountry("spheroid", geographicWkt("Degree"));
+    EXPECT_EQ(miles(map(), 0, 40, 0, 40), 0.0);  // the same point: no division by zero
+    EXPECT_NEAR(miles(map(), 0, 40, 10, 40), 530.3584, 0.00005);
+    EXPECT_NEAR(miles(map(), 5, 40, 5, 41), 69.0, 0.1);  // a degree of latitude on this spheroid
     EXPECT_DOUBLE_EQ(DegToRad(180.0), 3.14159265358979);
-    EXPECT_DOUBLE_EQ(DegToRad(90.0), 3.14159265358979 / 2);
     EXPECT_NO_BOXES();
 
     // A projected top layer measures on the fall-back spheroid, which is the
     // same here, so the worked value holds.
-    const QString tm = q(testsupport::tempDir("spheroid-tm"));
-    writeLayer(tm, "39_countryboundary.shp", 0, 0, 2e6, 2e6, projectedWkt("Meter"));
-    loadDirectory(tm);
-    lon1 = 0, lat1 = 40, lon2 = 10, lat2 = 40;
-    EXPECT_NEAR(DegreesToMiles(map(), lon1, lat1, lon2, lat2), 530.3584, 0.00005);
-}
-
-TEST_F(Navigation, FailedCalculationsShowTheirTextAndGiveNothing)
-{
-    // No layer to take the spheroid from.
-    double a = 0, b = 40, c = 10, d = 40;
-    EXPECT_EQ(DegreesToMiles(map(), a, b, c, d), 0.0);
-    EXPECT_EQ(recorder().texts(),
-              QStringList{" Error while converting degree to mile. Error Source:md_functions.DegreesToMiles()"});
+    loadCountry("spheroid-tm", projectedWkt("Meter"));
+    EXPECT_NEAR(miles(map(), 0, 40, 10, 40), 530.3584, 0.00005);
 
     // A map control of no width cannot be divided by.
-    recorder().clear();
-    const QString dir = q(testsupport::tempDir("zero-width"));
-    writeLayer(dir, "39_countryboundary.shp", 0, 0, 2e6, 2e6, projectedWkt("Meter"));
-    loadDirectory(dir);
-    recorder().clear();
     main->Map1->resize(0, main->Map1->height());
     EXPECT_EQ(CalculateScale(map()), "");
     EXPECT_EQ(recorder().texts(),
@@ -162,30 +147,28 @@ TEST_F(Navigation, ZoomButtonsHalveAndDoubleAboutTheCentre)
     main->cmdOriginalMap_Click();
     const RectanglePtr start = map()->Extent();
     const double cx = (start->Left + start->Right) / 2, cy = (start->Top + start->Bottom) / 2;
+    auto widthIs = [&](double k) { EXPECT_NEAR(map()->Extent()->Width(), start->Width() * k, 1e-6 * start->Width()); };
     EXPECT_FALSE(Visible(main->cmdOriginalMap));
 
     bQueryDrawn = true;
     main->cmdZoomIn->click();
-    RectanglePtr e = map()->Extent();
-    EXPECT_NEAR(e->Width(), start->Width() / 2, 1e-6 * start->Width());
+    const RectanglePtr e = map()->Extent();
+    widthIs(0.5);
     EXPECT_NEAR(e->Height(), start->Height() / 2, 1e-6 * start->Height());
     EXPECT_NEAR((e->Left + e->Right) / 2, cx, 1e-6 * start->Width());
     EXPECT_NEAR((e->Top + e->Bottom) / 2, cy, 1e-6 * start->Height());
     EXPECT_FALSE(bQueryDrawn);
-    // The repaint showed the way back.
-    EXPECT_TRUE(Visible(main->cmdOriginalMap));
+    EXPECT_TRUE(Visible(main->cmdOriginalMap));  // the repaint showed the way back
 
     main->cmdZoomOut->click();
     main->cmdZoomOut->click();
-    e = map()->Extent();
-    EXPECT_NEAR(e->Width(), start->Width() * 2, 1e-6 * start->Width());
+    widthIs(2);
     EXPECT_FALSE(Visible(main->cmdOriginalMap));
 
     for (int i = 0; i < 3; ++i) main->cmdZoomIn->click();
     EXPECT_TRUE(Visible(main->cmdOriginalMap));
     main->cmdOriginalMap->click();
-    e = map()->Extent();
-    EXPECT_NEAR(e->Width(), start->Width(), 1e-6 * start->Width());
+    widthIs(1);
     EXPECT_FALSE(Visible(main->cmdOriginalMap));
 
     // Panned away at the full size: no way back is offered.
@@ -222,35 +205,21 @@ TEST_F(Navigation, AClickInZoomModeZoomsThenCentresOnThePointReadInTheNewView)
 
 TEST_F(Navigation, MouseUpLeavesDragsOtherToolsAndAnEmptyMapAlone)
 {
-    auto unchanged = [&](const char* what) {
+    // A release at (600 + dx, 600 + dy) after a press at (600, 600).
+    auto expectUnchanged = [&](const char* what, int tool, float dx, float dy) {
         const RectanglePtr before = map()->Extent();
-        return [=, this] {
-            const RectanglePtr after = map()->Extent();
-            EXPECT_EQ(after->Left, before->Left) << what;
-            EXPECT_EQ(after->Width(), before->Width()) << what;
-        };
+        main->iToolMode = int16_t(tool);
+        main->iDownX = main->iDownY = 600;
+        main->Map1_MouseUp(1, 0, 600 + dx, 600 + dy);
+        EXPECT_EQ(map()->Extent()->Left, before->Left) << what;
+        EXPECT_EQ(map()->Extent()->Width(), before->Width()) << what;
     };
-    {
-        auto check = unchanged("empty map");
-        main->iDownX = 100;
-        main->iDownY = 100;
-        main->Map1_MouseUp(1, 0, 100, 100);
-        check();
-    }
+    expectUnchanged("empty map", 1, 0, 0);
     loadDirectory(q(testsupport::dataset()));
     struct Case { const char* what; int tool; float dx, dy; };
-    const Case cases[] = {
-        {"drag of 5 across", 1, 5, 0}, {"drag of 5 down", 1, 0, -5}, {"pan", 0, 0, 0}, {"info", 2, 0, 0},
-        {"no tool", 3, 0, 0},
-    };
-    for (const Case& c : cases) {
-        auto check = unchanged(c.what);
-        main->iToolMode = int16_t(c.tool);
-        main->iDownX = 600;
-        main->iDownY = 600;
-        main->Map1_MouseUp(1, 0, 600 + c.dx, 600 + c.dy);
-        check();
-    }
+    for (const Case& c : {Case{"drag of 5 across", 1, 5, 0}, {"drag of 5 down", 1, 0, -5}, {"pan", 0, 0, 0},
+                          {"info", 2, 0, 0}, {"no tool", 3, 0, 0}})
+        expectUnchanged(c.what, c.tool, c.dx, c.dy);
     // 4.9 twips is still a click.
     main->iToolMode = 1;
     const double w = map()->Extent()->Width();

