@@ -7,15 +7,19 @@
 #include <vector>
 
 #include "datagen.h"
+#include "sources.h"
 
 namespace {
 
 const char* kUsage =
     "usage: marlowan-gendata [--size small|large] [--seed N] [--omit FILE[,FILE...]] [--verbose] OUTDIR\n"
+    "       marlowan-gendata --sources [--size small|large] [--seed N] OUTDIR\n"
     "  --size     small (default) or large, a national-scale stress case\n"
     "  --seed     whole number, default 1; a seed always gives the same files\n"
     "  --omit     standard files to leave out, such as 43_roads.shp or 43_roads\n"
-    "  --verbose  list the files written\n";
+    "  --verbose  list the files written\n"
+    "  --sources  write raw sources (GeoTIFF, GeoPackage, GeoJSON, shapefile in longitude/latitude)\n"
+    "             to OUTDIR/sources and the marlowan-prepare recipe for them to OUTDIR/recipe.toml\n";
 
 int usage(const std::string& problem)
 {
@@ -37,6 +41,7 @@ int main(int argc, char** argv)
 {
     datagen::Options options;
     bool verbose = false;
+    bool sources = false;
     std::vector<std::string> positional;
     for (int i = 1; i < argc; ++i) {
         std::string arg = argv[i];
@@ -59,6 +64,8 @@ int main(int argc, char** argv)
         if (arg == "-h" || arg == "--help") {
             std::fputs(kUsage, stdout);
             return 0;
+        } else if (arg == "--sources") {
+            sources = true;
         } else if (arg == "--verbose" || arg == "-v") {
             verbose = true;
         } else if (arg == "--size") {
@@ -95,7 +102,8 @@ int main(int argc, char** argv)
         };
     }
     try {
-        datagen::generate(positional[0], options);
+        if (sources) datagen::writeSources(positional[0], options);
+        else datagen::generate(positional[0], options);
     } catch (const std::exception& e) {
         std::fprintf(stderr, "marlowan-gendata: %s\n", e.what());
         return 1;
