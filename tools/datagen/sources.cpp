@@ -517,7 +517,7 @@ void writeSources(const std::string& dirText, const Options& options)
     writeRaster(src / "landcover.tif", grid, GDT_Byte, 0, [&](double lon, double lat) {
         const Pt p = metres(lon, lat);
         if (height(lon, lat) > 2700) return 120.0;
-        const double wet = moisture(p.x, p.y);
+        const double wet = moisture(p.x, p.y) + 0.3 * rugged(p.x, p.y);
         if (wet > 0.85) return 200.0;
         if (wet > 0.7) return 210.0;
         const std::size_t band = std::min<std::size_t>(11, std::size_t(std::clamp((0.7 - wet) / 1.5, 0.0, 0.999) * 12));
