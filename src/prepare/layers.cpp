@@ -4,9 +4,9 @@
 
 namespace prepare {
 
-const std::vector<LayerSpec>& layerSpecs()
+const std::vector<StandardLayer>& standardLayers()
 {
-    static const std::vector<LayerSpec> specs = {
+    static const std::vector<StandardLayer> layers = {
         {"01_elevation", Kind::Grid, "Elev_m", 5},
         {"02_landuse", Kind::LandUse, "LAND_USE", 0},
         {"11_solar_direct", Kind::Grid, "ANNDIR", 40},
@@ -34,31 +34,31 @@ const std::vector<LayerSpec>& layerSpecs()
         {"53_airports", Kind::Points, "", 0},
         {"59_cities", Kind::Points, "", 0},
     };
-    return specs;
+    return layers;
 }
 
-const LayerSpec* findLayer(const std::string& stem)
+const StandardLayer* findLayer(const std::string& stem)
 {
-    for (const LayerSpec& s : layerSpecs())
+    for (const StandardLayer& s : standardLayers())
         if (stem == s.stem) return &s;
     return nullptr;
 }
 
-bool isSolar(const LayerSpec& spec)
+bool isSolar(const StandardLayer& standard)
 {
-    return std::strncmp(spec.stem, "1", 1) == 0;
+    return std::strncmp(standard.stem, "1", 1) == 0;
 }
 
-bool keepsMargin(const LayerSpec& spec)
+bool keepsMargin(const StandardLayer& standard)
 {
-    return std::strcmp(spec.stem, "43_roads") == 0 || std::strcmp(spec.stem, "44_transmissionline") == 0;
+    return std::strcmp(standard.stem, "43_roads") == 0 || std::strcmp(standard.stem, "44_transmissionline") == 0;
 }
 
-std::vector<std::string> keysOf(const LayerSpec& spec)
+std::vector<std::string> keysOf(const StandardLayer& standard)
 {
-    switch (spec.kind) {
+    switch (standard.kind) {
     case Kind::Grid:
-        if (isSolar(spec)) return {"source", "band", "cell_km", "unit"};
+        if (isSolar(standard)) return {"source", "band", "cell_km", "unit"};
         return {"source", "band", "cell_km"};
     case Kind::LandUse:
         return {"source", "classes", "band", "field", "layer", "where", "keep"};
@@ -66,8 +66,8 @@ std::vector<std::string> keysOf(const LayerSpec& spec)
         break;
     }
     std::vector<std::string> keys = {"source", "layer", "where", "keep"};
-    if (*spec.field) keys.push_back("field");
-    if (keepsMargin(spec)) keys.push_back("margin_km");
+    if (*standard.field) keys.push_back("field");
+    if (keepsMargin(standard)) keys.push_back("margin_km");
     return keys;
 }
 

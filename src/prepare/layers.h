@@ -14,7 +14,7 @@ enum class Kind {
     Points,
 };
 
-struct LayerSpec {
+struct StandardLayer {
     const char* stem;
     Kind kind;
     const char* field;     // standard field the source fills; "" when none
@@ -22,12 +22,12 @@ struct LayerSpec {
 };
 
 // In the drawing order of the standard table.
-const std::vector<LayerSpec>& layerSpecs();
-const LayerSpec* findLayer(const std::string& stem);
-bool isSolar(const LayerSpec& spec);
+const std::vector<StandardLayer>& standardLayers();
+const StandardLayer* findLayer(const std::string& stem);
+bool isSolar(const StandardLayer& standard);
 // Lines that the proximity queries buffer, kept to a margin outside the boundary.
-bool keepsMargin(const LayerSpec& spec);
+bool keepsMargin(const StandardLayer& standard);
 // The keys a table of this file takes.
-std::vector<std::string> keysOf(const LayerSpec& spec);
+std::vector<std::string> keysOf(const StandardLayer& standard);
 
 }  // namespace prepare

@@ -25,11 +25,11 @@ struct Made {
     double seconds;
 };
 
-std::string doingText(const LayerSpec& spec, const LayerRecipe& r)
+std::string doingText(const StandardLayer& standard, const LayerRecipe& r)
 {
     char km[32];
     std::snprintf(km, sizeof km, "%g", r.cellKm);
-    switch (spec.kind) {
+    switch (standard.kind) {
     case Kind::Grid: return "averaging " + r.sourceText + " onto cells of " + km + " km";
     case Kind::LandUse:
         return r.classes.empty() ? "reading " + r.sourceText : "classes of " + r.sourceText + " into polygons";
@@ -126,15 +126,15 @@ int run(const Options& options, std::ostream& out, std::ostream& err)
         progress.finish(made.back().records, made.back().seconds);
 
         for (const LayerRecipe& r : recipe.layers) {
-            const LayerSpec& spec = *findLayer(r.stem);
-            if (spec.kind == Kind::Boundary) continue;
+            const StandardLayer& standard = *findLayer(r.stem);
+            if (standard.kind == Kind::Boundary) continue;
             const std::string file = r.stem + ".shp";
             started = Clock::now();
-            progress.start(file, doingText(spec, r));
+            progress.start(file, doingText(standard, r));
             OutTable table;
-            if (spec.kind == Kind::Grid) table = makeGrid(recipe, r, spec, target, progress);
-            else if (spec.kind == Kind::LandUse && !r.classes.empty()) table = makeLandUseFromClasses(recipe, r, target, progress);
-            else table = makeVectorLayer(recipe, r, spec, target);
+            if (standard.kind == Kind::Grid) table = makeGrid(recipe, r, standard, target, progress);
+            else if (standard.kind == Kind::LandUse && !r.classes.empty()) table = makeLandUseFromClasses(recipe, r, target, progress);
+            else table = makeVectorLayer(recipe, r, standard, target);
             writeShapefile((work.path() / file).string(), table, target.prj);
             made.push_back({file, table.records.size(), r.sourceText, seconds(started)});
             progress.finish(made.back().records, made.back().seconds);

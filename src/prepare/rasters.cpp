@@ -151,7 +151,7 @@ std::map<long long, std::string> readClasses(const Recipe& recipe, const LayerRe
 
 }  // namespace
 
-OutTable makeGrid(const Recipe& recipe, const LayerRecipe& r, const LayerSpec& spec, const Target& target,
+OutTable makeGrid(const Recipe& recipe, const LayerRecipe& r, const StandardLayer& standard, const Target& target,
                   Progress& progress)
 {
     RasterSource src(recipe, r);
@@ -165,9 +165,9 @@ OutTable makeGrid(const Recipe& recipe, const LayerRecipe& r, const LayerSpec& s
 
     OutTable table;
     table.dim = 2;
-    const bool elevation = std::string(spec.field) == "Elev_m";
-    const bool wind = std::string(spec.field) == "WINDPWRD";
-    table.fields.push_back({spec.field, OFTReal, 14, elevation ? 2 : wind ? 3 : 4});
+    const bool elevation = std::string(standard.field) == "Elev_m";
+    const bool wind = std::string(standard.field) == "WINDPWRD";
+    table.fields.push_back({standard.field, OFTReal, 14, elevation ? 2 : wind ? 3 : 4});
     const double divisor = r.perYear ? 365.0 : 1.0;
     for (int row = 0; row < g.height; ++row) {
         for (int col = 0; col < g.width; ++col) {

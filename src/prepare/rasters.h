@@ -12,7 +12,7 @@ class Progress;
 
 // Cells of cell_km with the mean of the valid pixels in the file's value
 // field; cells without a valid pixel are left out, those on the border clipped.
-OutTable makeGrid(const Recipe& recipe, const LayerRecipe& layer, const LayerSpec& spec, const Target& target,
+OutTable makeGrid(const Recipe& recipe, const LayerRecipe& layer, const StandardLayer& standard, const Target& target,
                   Progress& progress);
 
 // Polygons of equal class, LAND_USE the text the class table gives the code.

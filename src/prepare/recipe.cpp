@@ -54,11 +54,11 @@ public:
 
     LayerRecipe layer(const std::string& stem, const toml::table& t, int line)
     {
-        const LayerSpec& spec = *findLayer(stem);
+        const StandardLayer& standard = *findLayer(stem);
         LayerRecipe r;
         r.stem = stem;
         r.line = line;
-        const auto keys = keysOf(spec);
+        const auto keys = keysOf(standard);
         bool haveSource = false;
         for (auto&& [k, v] : t) {
             const std::string key(k.str());
@@ -107,8 +107,8 @@ public:
             }
         }
         if (!haveSource) fail(line, "[" + stem + "] has no source");
-        if (r.cellKm == 0) r.cellKm = spec.cellKm;
-        if (spec.kind == Kind::LandUse) {
+        if (r.cellKm == 0) r.cellKm = standard.cellKm;
+        if (standard.kind == Kind::LandUse) {
             const bool raster = !r.classes.empty();
             if (raster == !r.field.empty())
                 fail(line, "[02_landuse] takes either classes (with a class raster) or field (with a vector source)");
@@ -141,7 +141,7 @@ Recipe readRecipe(const std::string& path)
                          std::string(e.description()));
     }
     Reader reader(recipe, fs::absolute(path).parent_path());
-    std::vector<std::pair<const LayerSpec*, LayerRecipe>> found;
+    std::vector<std::pair<const StandardLayer*, LayerRecipe>> found;
     for (auto&& [k, v] : doc) {
         const std::string key(k.str());
         const int line = lineOf(v);
@@ -150,17 +150,17 @@ Recipe readRecipe(const std::string& path)
             recipe.crsLine = line;
             continue;
         }
-        const LayerSpec* spec = findLayer(key);
-        if (!spec) {
+        const StandardLayer* standard = findLayer(key);
+        if (!standard) {
             if (v.is_table()) reader.fail(line, "unknown table [" + key + "]: not a standard file marlowan-prepare makes");
             reader.fail(line, "unknown key \"" + key + "\" (only crs stands outside a table)");
         }
         if (!v.is_table()) reader.fail(line, key + " must be a table: [" + key + "]");
-        found.emplace_back(spec, reader.layer(key, *v.as_table(), line));
+        found.emplace_back(standard, reader.layer(key, *v.as_table(), line));
     }
     if (std::none_of(found.begin(), found.end(), [](const auto& f) { return f.first->kind == Kind::Boundary; }))
         throw InputError(recipe.name + ": [39_countryboundary] is missing; every other layer is clipped to it");
-    for (const LayerSpec& s : layerSpecs())
+    for (const StandardLayer& s : standardLayers())
         for (auto& f : found)
             if (f.first == &s) recipe.layers.push_back(std::move(f.second));
     return recipe;

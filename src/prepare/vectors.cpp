@@ -266,18 +266,18 @@ Target makeTarget(const Recipe& recipe, const LayerRecipe& r)
     return t;
 }
 
-OutTable makeVectorLayer(const Recipe& recipe, const LayerRecipe& r, const LayerSpec& spec, const Target& target)
+OutTable makeVectorLayer(const Recipe& recipe, const LayerRecipe& r, const StandardLayer& standard, const Target& target)
 {
-    VectorSource src(recipe, r, spec.field);
+    VectorSource src(recipe, r, standard.field);
     OutTable table;
-    table.dim = spec.kind == Kind::Points ? 0 : spec.kind == Kind::Lines ? 1 : 2;
+    table.dim = standard.kind == Kind::Points ? 0 : standard.kind == Kind::Lines ? 1 : 2;
     src.checkDimension(table.dim);
     table.fields = src.fields();
     TransformPtr ct = transformBetween(*src.layer().GetSpatialRef(), target.srs);
     if (!ct) src.fail(r.sourceLine, "the source cannot be reprojected" + gdalMessage());
     ClipArea margin;
     const ClipArea* clip = &target.boundary;
-    if (keepsMargin(spec) && r.marginKm > 0) {
+    if (keepsMargin(standard) && r.marginKm > 0) {
         margin = ClipArea(adoptGeom(GEOSBuffer_r(geosContext(), target.boundary.area().get(), r.marginKm * 1000, 8)));
         clip = &margin;
     }

@@ -26,7 +26,7 @@ struct Target {
 Target makeTarget(const Recipe& recipe, const LayerRecipe& layer);
 
 // 02_landuse from a vector source, and the vector kinds.
-OutTable makeVectorLayer(const Recipe& recipe, const LayerRecipe& layer, const LayerSpec& spec, const Target& target);
+OutTable makeVectorLayer(const Recipe& recipe, const LayerRecipe& layer, const StandardLayer& standard, const Target& target);
 
 // The last message GDAL left, or "" (for the detail of a message).
 std::string gdalMessage();
