@@ -8,13 +8,14 @@ void Progress::start(const std::string& file, const std::string& doing)
 {
     line_ = file + ": " + doing;
     shown_ = -1;
+    from_ = 0, to_ = 1;
     if (quiet_) return;
     out_ << line_ << (overwrite_ ? "" : "\n") << std::flush;
 }
 
 void Progress::percent(double fraction)
 {
-    const int p = int(fraction * 100);
+    const int p = int((from_ + fraction * (to_ - from_)) * 100);
     if (quiet_ || !overwrite_ || p == shown_) return;
     shown_ = p;
     out_ << "\r" << line_ << " " << p << "%" << std::flush;

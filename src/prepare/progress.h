@@ -11,6 +11,8 @@ public:
     Progress(std::ostream& out, bool quiet, bool overwrite) : out_(out), quiet_(quiet), overwrite_(overwrite) {}
     void start(const std::string& file, const std::string& doing);
     void percent(double fraction);
+    // The part of the whole step that the following fractions stand for.
+    void part(double from, double to) { from_ = from, to_ = to; }
     void finish(std::size_t records, double seconds);
     // For GDAL's progress callbacks, with the Progress as the data pointer.
     static int gdalProgress(double fraction, const char* message, void* progress);
@@ -20,6 +22,7 @@ private:
     bool quiet_, overwrite_;
     std::string line_;
     int shown_ = -1;
+    double from_ = 0, to_ = 1;
 };
 
 }  // namespace prepare

@@ -156,7 +156,9 @@ OutTable makeGrid(const Recipe& recipe, const LayerRecipe& r, const StandardLaye
 {
     RasterSource src(recipe, r);
     const double size = r.cellKm * 1000;
+    progress.part(0, 0.5);
     GDALDatasetUniquePtr grid = src.warp(target, size, "average", "Float64", "nan", progress);
+    progress.part(0.5, 1);
     const GridGeometry g = gridOf(*grid);
     std::vector<double> values(std::size_t(g.width) * std::size_t(g.height));
     if (grid->GetRasterBand(1)->RasterIO(GF_Read, 0, 0, g.width, g.height, values.data(), g.width, g.height,
@@ -170,6 +172,7 @@ OutTable makeGrid(const Recipe& recipe, const LayerRecipe& r, const StandardLaye
     table.fields.push_back({standard.field, OFTReal, 14, elevation ? 2 : wind ? 3 : 4});
     const double divisor = r.perYear ? 365.0 : 1.0;
     for (int row = 0; row < g.height; ++row) {
+        progress.percent(double(row) / g.height);
         for (int col = 0; col < g.width; ++col) {
             const double v = values[std::size_t(row) * std::size_t(g.width) + std::size_t(col)];
             if (std::isnan(v)) continue;
@@ -187,7 +190,9 @@ OutTable makeLandUseFromClasses(const Recipe& recipe, const LayerRecipe& r, cons
     // Each pixel keeps its class: the most frequent one where pixels merge.
     // Finer than 100 m would only add vertices to the outlines.
     const double size = std::max(100.0, src.pixelMetres());
+    progress.part(0, 0.5);
     GDALDatasetUniquePtr grid = src.warp(target, size, "mode", "Int32", std::to_string(kNoClass), progress);
+    progress.part(0.5, 1);
 
     GDALDriver* memory = GetGDALDriverManager()->GetDriverByName("Memory");
     GDALDatasetUniquePtr polys(memory->Create("", 0, 0, 0, GDT_Unknown, nullptr));
@@ -196,7 +201,7 @@ OutTable makeLandUseFromClasses(const Recipe& recipe, const LayerRecipe& r, cons
     layer->CreateField(&code);
     GDALRasterBand* band = grid->GetRasterBand(1);
     CPLErrorReset();
-    if (GDALPolygonize(band, band->GetMaskBand(), layer, 0, nullptr, nullptr, nullptr) != CE_None)
+    if (GDALPolygonize(band, band->GetMaskBand(), layer, 0, nullptr, Progress::gdalProgress, &progress) != CE_None)
         src.fail(r.sourceLine, "the class raster cannot be turned into polygons" + gdalMessage());
 
     OutTable table;
