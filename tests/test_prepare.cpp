@@ -225,7 +225,7 @@ TEST(Prepare, GeneratedSourcesOpenInTheProgramAndAQueryRuns)
     ASSERT_EQ(r.code, 0) << r.err;
 
     FrmMain& f = qrun::panel(dir + "/out", qrun::kWindQuery, "200", "Max");
-    EXPECT_EQ(f.Map1->Layers().Count(), 24);
+    EXPECT_EQ(f.Map1->Layers().Count(), 26);  // all but 21_wind and 22_wind
     EXPECT_TRUE(testsupport::recorder().boxes.empty());
     f.cmdUpdateMap->click();
     const auto rows = QueryDataTable();

@@ -80,6 +80,11 @@ public:
         const Envelope& e = target.extent;
         const double x0 = std::floor(e.minX / size) * size, y0 = std::floor(e.minY / size) * size;
         const double x1 = std::ceil(e.maxX / size) * size, y1 = std::ceil(e.maxY / size) * size;
+        // The grid is held in memory: a cell size far too fine for the country is refused.
+        const double cells = (x1 - x0) / size * ((y1 - y0) / size);
+        if (cells > 5e7)
+            fail(r_.line, "cells of " + number(size / 1000) + " km make " + std::to_string(static_cast<long long>(cells)) +
+                              " cells over the boundary; choose a larger cell_km");
         char* wkt = nullptr;
         target.srs.exportToWkt(&wkt);
         CPLStringList args;

@@ -152,7 +152,7 @@ Recipe readRecipe(const std::string& path)
         }
         const StandardLayer* standard = findLayer(key);
         if (!standard) {
-            if (v.is_table()) reader.fail(line, "unknown table [" + key + "]: not a standard file marlowan-prepare makes");
+            if (v.is_table()) reader.fail(line, "unknown table [" + key + "]: marlowan-prepare makes no file of that name");
             reader.fail(line, "unknown key \"" + key + "\" (only crs stands outside a table)");
         }
         if (!v.is_table()) reader.fail(line, key + " must be a table: [" + key + "]");

@@ -549,6 +549,8 @@ void writeSources(const std::string& dirText, const Options& options)
     solar("14_solar_glo", "ghi_kwh_day.tif", "kWh/m2/day", fineKm);
     solar("15_solar_glo", "ghi_kwh_day.tif", "kWh/m2/day", coarseKm);
     solar("16_solar_tilt", "pvout_tilt_kwh_day.tif", "kWh/m2/day", fineKm);
+    solar("17_solar_direct", "dni_kwh_year.tif", "kWh/m2/year", coarseKm);
+    solar("18_solar_tilt", "pvout_tilt_kwh_day.tif", "kWh/m2/day", coarseKm);
     r << "\n[20_wind]\nsource = \"sources/wind_power_density.tif\"\ncell_km = " << km(windKm) << "\n"
          "\n[30_lakes]\nsource = \"sources/lakes.geojson\"\nkeep = [\"name\"]\n"
          "\n[31_protectedarea]\nsource = \"sources/protected_areas.gpkg\"\nwhere = \"STATUS = 'Designated'\"\n"
