@@ -35,7 +35,7 @@ public:
 
     std::string text(const std::string& table, const std::string& key, const toml::node& n) const
     {
-        if (!n.is_string()) fail(lineOf(n), "[" + table + "] " + key + " must be a text in quotes");
+        if (!n.is_string()) fail(lineOf(n), (table.empty() ? "" : "[" + table + "] ") + key + " must be a text in quotes");
         return n.as_string()->get();
     }
 
