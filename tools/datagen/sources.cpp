@@ -488,7 +488,8 @@ void writeSources(const std::string& dirText, const Options& options)
     const double margin = 0.15;
     const double west = env.MinX - margin * w, east = env.MaxX + margin * w;
     const double south = env.MinY - margin * h, north = env.MaxY + margin * h;
-    const double step = std::max(0.0025, std::max(east - west, north - south) / 2000);
+    // About 550 m pixels for the small country, 2,000 pixels a side for the large one.
+    const double step = std::max(0.005, std::max(east - west, north - south) / 2000);
     const Grid grid{west, north, step, int(std::ceil((east - west) / step)), int(std::ceil((north - south) / step))};
     const double extentKm = std::max(w / kmLon, h / kmLat) * 1000;
     Rng fields(options.seed, 901);
