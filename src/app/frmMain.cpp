@@ -108,9 +108,6 @@ void FrmMain::buildControls()
 
     auto* client = new QWidget(this);
     paintBackground(client, Qt::white);
-    QFont formFont = client->font();
-    formFont.setPointSizeF(8.25);
-    client->setFont(formFont);
     setCentralWidget(client);
 
     // --- menus ---
@@ -138,7 +135,7 @@ void FrmMain::buildControls()
     cmdOriginalMap->setVisible(false);
     QFont courier(QStringLiteral("Courier New"));
     courier.setStyleHint(QFont::Monospace);
-    courier.setPointSizeF(formFont.pointSizeF());
+    courier.setPointSizeF(QApplication::font().pointSizeF());
     cmdZoomIn = makeButton(fraMapHolder, QStringLiteral("+"), 5280, 210, 330, 330);
     cmdZoomIn->setFont(courier);
     cboScale = new ComboBox(fraMapHolder, true);
@@ -162,7 +159,7 @@ void FrmMain::buildControls()
     SetForeColor(lblMapNote, RGB(255, 255, 255));
     {
         QFont f = lblMapNote->font();
-        f.setPointSizeF(7.5);
+        f.setPointSizeF(DesignPointSize(7.5));
         lblMapNote->setFont(f);
     }
 
@@ -197,7 +194,7 @@ void FrmMain::buildControls()
     lblWorking = makeLabel(fraEdit, QStringLiteral("Creating Map..."), 60, 3510, 3135, 555);
     {
         QFont f = lblWorking->font();
-        f.setPointSizeF(9.75);
+        f.setPointSizeF(DesignPointSize(9.75));
         lblWorking->setFont(f);
         lblWorking->setWordWrap(true);
         SetForeColor(lblWorking, RGB(0, 0, 255));
@@ -227,6 +224,10 @@ void FrmMain::buildControls()
         lblQuery1[size_t(i)] = makeLabel(panel, i == 5 ? QStringLiteral("remove protected areas ") : QStringLiteral("lblQuery1"),
                                          lblTops[i][0], lblTops[i][1], lblTops[i][2], lblTops[i][3]);
         lblQuery1[size_t(i)]->setWordWrap(i == 5);
+        // Its check box stands at the left of the first line: the caption
+        // keeps to the right of it, and its two lines to the middle of the
+        // label, clear of the box's lower edge and of the caption below.
+        if (i == 5) lblQuery1[5]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         lblQuery1[size_t(i)]->setVisible(i == 0);
     }
     for (int i = 0; i < 4; ++i) {
@@ -250,6 +251,8 @@ void FrmMain::buildControls()
     lstQuery1 = new ListBox(panel);
     SetTwips(lstQuery1, 90, 1890, 2805, 840);
     lstQuery1->setSelectionMode(QAbstractItemView::MultiSelection);
+    // Rows for the names, not a scroll bar: a long name ends in "...".
+    lstQuery1->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     lstQuery1->setVisible(false);
     chkProtectedAreas = new QCheckBox(QString(), panel);
     SetTwips(chkProtectedAreas, 2130, 1290, 225, 195);
@@ -298,12 +301,12 @@ void FrmMain::buildControls()
 
 // The window manager's frame is not ours to measure: the outer size is the
 // window with its menu bar.
-int FrmMain::FormWidth() const { return int(std::lround(PxToTwips(width()))); }
-int FrmMain::FormHeight() const { return int(std::lround(PxToTwips(height()))); }
+int FrmMain::FormWidth() const { return SizeTwips(this).width(); }
+int FrmMain::FormHeight() const { return SizeTwips(this).height(); }
 
 void FrmMain::setFormSize(int widthTwips, int heightTwips)
 {
-    resize(TwipsToPx(widthTwips), TwipsToPx(heightTwips));
+    SetSizeTwips(this, widthTwips, heightTwips);
     // A hidden window gets its resize event only when shown; the form's own
     // resize routine runs at each change all the same.
     if (!isVisible())
