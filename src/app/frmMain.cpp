@@ -7,8 +7,10 @@
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFileInfo>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
 #include <QThread>
 #include <QUrl>
 #include <cmath>
@@ -19,6 +21,7 @@
 #include "engine/query_run.h"
 #include "info/frmInfo.h"
 #include "mapping/platform.h"
+#include "mapping/seam.h"
 #include "print/frmPrint.h"
 #include "queryset/catalogue.h"
 #include "results/frmShowQueryData.h"
@@ -34,6 +37,7 @@ bool g_unloading = false;
 // name instead, so the viewer looks in the current directory.
 QString g_appHelpFile;
 const QString kHelpFileName = QStringLiteral("Dovrik_ONLINE_DOC.chm");
+const QString kUserGuide = QStringLiteral("marlowan-guide.html");
 
 const QString kDataSourceSite = QStringLiteral("www.kelvora.example");
 
@@ -73,17 +77,17 @@ void paintBackground(QWidget* w, const QColor& bg)
     w->setAutoFillBackground(true);
 }
 
-// Option buttons on the black map holder: white text on black.
+// Option buttons on the black map holder: white text on black. The round
+// box keeps its own colours, a white field with a dark dot, so the chosen
+// tool shows.
 QRadioButton* makeDarkOption(QWidget* parent, const QString& text, int l, int t, int w, int h)
 {
     auto* o = new QRadioButton(text, parent);
     SetTwips(o, l, t, w, h);
     QPalette p = o->palette();
     p.setColor(QPalette::Window, Qt::black);
-    p.setColor(QPalette::Button, Qt::black);
     p.setColor(QPalette::WindowText, Qt::white);
-    p.setColor(QPalette::ButtonText, Qt::white);
-    p.setColor(QPalette::Text, Qt::white);
+    p.setColor(QPalette::Disabled, QPalette::WindowText, QColor(150, 150, 150));
     o->setPalette(p);
     o->setAutoFillBackground(true);
     return o;
@@ -324,6 +328,34 @@ void FrmMain::RepaintNow()
     QCoreApplication::sendEvent(this, &request);
 }
 
+QSize FrmMain::minimumWindowSize() const
+{
+    QRect needed;
+    for (QWidget* w : std::initializer_list<QWidget*>{cmdZoomOut, cmdChangeLayers, cmdUpdateMap, lblLayersCurrentlyDisplayed})
+        needed |= QRect(w->mapTo(centralWidget(), QPoint(0, 0)), w->size());
+    const int margin = TwipsToPx(120);
+    return QSize(needed.right() + 1 + margin, needed.bottom() + 1 + margin + menuBar()->sizeHint().height());
+}
+
+void FrmMain::showEvent(QShowEvent* e)
+{
+    QMainWindow::showEvent(e);
+    if (placedOnScreen_) return;
+    placedOnScreen_ = true;
+    // Only the user's resizing is held at the minimum; the form's own resize
+    // rule still runs for any size it is given.
+    setMinimumSize(minimumWindowSize());
+    // The design's size, in our larger pixels, may not fit a small screen:
+    // the map group gives way, down to the minimum.
+    if (const QScreen* screen = this->screen()) {
+        const QRect available = screen->availableGeometry();
+        const QSize frame = frameGeometry().size() - size();
+        const QSize fits = size().boundedTo(available.size() - frame).expandedTo(minimumSize());
+        if (fits != size()) resize(fits);
+        if (!available.contains(frameGeometry())) move(available.topLeft());
+    }
+}
+
 void FrmMain::resizeEvent(QResizeEvent* e)
 {
     QMainWindow::resizeEvent(e);
@@ -436,7 +468,18 @@ void FrmMain::mnuExit_Click()
 void FrmMain::mnuHelp_Click()
 {
     try {
-        QDesktopServices::openUrl(QUrl::fromLocalFile(QDir::current().absoluteFilePath(kHelpFileName)));
+        const QString named = QDir::current().absoluteFilePath(kHelpFileName);
+        if (QFileInfo::exists(named)) {
+            QDesktopServices::openUrl(QUrl::fromLocalFile(named));
+            return;
+        }
+        // No such help file here: the guide beside the program, in the browser.
+        const QString guide = QDir(QCoreApplication::applicationDirPath()).filePath(kUserGuide);
+        if (!QFileInfo::exists(guide))
+            seam::MsgBox("The user guide " + QDir::toNativeSeparators(guide) + " is missing.");
+        else if (!QDesktopServices::openUrl(QUrl::fromLocalFile(guide)))
+            seam::MsgBox("No web browser could be started. The user guide is the file " + QDir::toNativeSeparators(guide)
+                         + "; open it in any web browser.");
     } catch (...) {
         ErrorMessage(" Error while trying to open Help. Error Source:frmMain.mnuHelp_Click()", 48);
     }

@@ -94,7 +94,8 @@ void drawLandscape(QPainter& p, const QSize& size, bool upright)
     for (int i = 0; i < turbines; ++i) {
         const double x = w * (0.15 + 0.8 * i / turbines);
         const double foot = horizon + (i % 2) * h * 0.03;
-        drawTurbine(p, QPointF(x, foot), h * (upright ? 0.2 : 0.3) * (1.0 - 0.1 * (i % 3)), 20.0 + 37.0 * i);
+        // On the splash the blades stay below the title and its subtitle.
+        drawTurbine(p, QPointF(x, foot), h * (upright ? 0.2 : 0.16) * (1.0 - 0.1 * (i % 3)), 20.0 + 37.0 * i);
     }
 }
 
