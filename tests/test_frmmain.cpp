@@ -2,6 +2,9 @@
 // the enabled state of the interface through its states.
 #include <QCoreApplication>
 #include <QDesktopServices>
+#include <QFileInfo>
+#include <QScreen>
+#include <QStyleOptionButton>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QMouseEvent>
@@ -36,18 +39,11 @@ QString captionOf(QWidget* w)
 
 QRect rectOf(const TwipsRect& r) { return QRect(r.Left, r.Top, r.Width, r.Height); }
 
-// Where a control designed at r stands: whole pixels of 15 twips each.
-QRect placed(const TwipsRect& r)
-{
-    auto t = [](int v) { return TwipsToPx(v) * 15; };
-    return QRect(t(r.Left), t(r.Top), t(r.Width), t(r.Height));
-}
-
 // A sample of the design, some controls of each container.
 TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
 {
     FrmMain& f = *main;
-    struct Placed { const char* name; QWidget *widget, *container; TwipsRect at; QString caption; };
+    struct Placed { const char* name; QWidget *widget, *container; QRect at; QString caption; };
     const Placed table[] = {
         {"cboSelectQuery", f.cboSelectQuery, f.centralWidget(), {120, 720, 3615, 315}, "No Query (Base Map)"},
         {"cboScale", f.cboScale, f.fraMapHolder, {5640, 210, 2565, 315}, "- No Map - "},
@@ -56,21 +52,26 @@ TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
         {"cmdUpdateMap", f.cmdUpdateMap, f.fraEdit, {2100, 3120, 1035, 375}, "Update Map"},
         {"lblLayersCurrentlyDisplayed", f.lblLayersCurrentlyDisplayed, f.fraEdit, {150, 4290, 3000, 1155},
          "- No layers found -"},
-        {"cmdChangeLayers", f.cmdChangeLayers, f.fraEdit, {1200, 5520, 2055, 375}, "Change Layers..."},
         {"txtQuery1(0)", f.txtQuery1[0], f.fraEditQueryParameters, {90, 180, 500, 285}, "5"},
     };
     for (const Placed& p : table) {
         SCOPED_TRACE(p.name);
         EXPECT_EQ(p.widget->parentWidget(), p.container);
-        EXPECT_EQ(rectOf(Twips(p.widget)), placed(p.at));
+        EXPECT_EQ(rectOf(Twips(p.widget)), p.at);
+        // Edges are rounded to pixels, so controls that meet in the design meet on the screen.
+        const QRect g = p.widget->geometry();
+        EXPECT_EQ((std::array{g.left(), g.top(), g.right() + 1, g.bottom() + 1}),
+                  (std::array{TwipsToPx(p.at.x()), TwipsToPx(p.at.y()), TwipsToPx(p.at.x() + p.at.width()), TwipsToPx(p.at.y() + p.at.height())}));
         EXPECT_EQ(captionOf(p.widget), p.caption);
     }
-    EXPECT_EQ(f.fraEdit->parentWidget(), f.fraEditLegend);
     EXPECT_EQ(f.windowTitle(), "Marlowan");
     EXPECT_TRUE(f.lblMapNote->text().startsWith(
         "Marlowan from Kelvora, a Tessimar Project.  For data source information, goto "));
     EXPECT_EQ(f.lblWorking->text(), "");  // emptied by the base-map selection at start
     EXPECT_EQ(ForeColor(f.lblWorking), RGB(0, 0, 255));
+    // A normal desktop size for the text, and the design's larger texts larger still.
+    EXPECT_GE(f.cmdUpdateMap->font().pointSizeF(), 9);
+    EXPECT_GT(f.lblWorking->font().pointSizeF(), f.cmdUpdateMap->font().pointSizeF());
 
     // File holds four entries; Help stands beside it.
     auto texts = [](const QList<QAction*>& actions) {
@@ -80,6 +81,49 @@ TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
     };
     EXPECT_EQ(texts(f.mnuFile->actions()), (QStringList{"Open Dataset...", "Save Result", "Print", "Exit"}));
     EXPECT_EQ(texts(f.menuBar()->actions()), (QStringList{"File", "Help"}));
+}
+
+// Each option button and check box shows a dark mark in its light box when
+// chosen, the tools on the black map holder too.
+TEST_F(MainWindow, ChosenOptionsAndTickedBoxesShowTheirMark)
+{
+    FrmMain& f = *main;
+    f.fraEditLegend->setVisible(true), f.chkProtectedAreas->setVisible(true);
+    for (QAbstractButton* b : std::initializer_list<QAbstractButton*>{f.optPanZoom[0], f.optPanZoom[1], f.optPanZoom[2],
+                                                                     f.optEditLegend[0], f.optEditLegend[1], f.chkProtectedAreas}) {
+        SCOPED_TRACE(b->text().toStdString());
+        QStyleOptionButton option;
+        option.initFrom(b);
+        const bool radio = qobject_cast<QRadioButton*>(b);
+        const QRect box = b->style()->subElementRect(radio ? QStyle::SE_RadioButtonIndicator : QStyle::SE_CheckBoxIndicator, &option, b);
+        const QRect middle = box.adjusted(box.width() * 3 / 10, box.height() * 3 / 10, -box.width() * 3 / 10, -box.height() * 3 / 10);
+        auto lightness = [&](bool on) {  // of the darkest pixel in the middle of the box
+            b->setEnabled(true), b->setAutoExclusive(false), b->setChecked(on);
+            const QImage image = b->grab().toImage();
+            int darkest = 255;
+            for (int y = middle.top(); y <= middle.bottom(); ++y)
+                for (int x = middle.left(); x <= middle.right(); ++x) darkest = std::min(darkest, image.pixelColor(x, y).lightness());
+            return darkest;
+        };
+        EXPECT_GT(lightness(false), 160);
+        EXPECT_LT(lightness(true), 100);
+    }
+}
+
+// Shown, the window holds the query panel and the map's buttons in view at
+// its smallest, and opens no larger than the screen.
+TEST_F(MainWindow, TheWindowKeepsItsControlsInViewAndFitsTheScreen)
+{
+    FrmMain& f = *main;
+    f.show();
+    const QRect screen = f.screen()->availableGeometry();
+    EXPECT_TRUE(f.width() <= std::max(screen.width(), f.minimumWidth()) && f.height() <= std::max(screen.height(), f.minimumHeight()));
+    f.resize(10, 10);
+    ASSERT_EQ(f.size(), f.minimumSize());
+    for (QWidget* w : std::initializer_list<QWidget*>{f.cmdZoomOut, f.cboScale, f.cmdUpdateMap, f.cmdChangeLayers}) {
+        const QRect at(w->mapTo(&f, QPoint(0, 0)), w->size());
+        EXPECT_TRUE(f.rect().contains(at)) << captionOf(w).toStdString();
+    }
 }
 
 TEST_F(MainWindow, LoadLeavesTheStartStateAndTheStandardTable)
@@ -230,15 +274,32 @@ public slots:
     void open(const QUrl& url) { urls << url; }
 };
 
-TEST_F(MainWindow, HelpOpensTheBareFileNameFromTheCurrentDirectory)
+// The help file the menu names opens where it lies; without it, the user
+// guide beside the program opens in the browser, or a box says where it is.
+TEST_F(MainWindow, HelpOpensTheNamedHelpFileOrElseTheUserGuide)
 {
-    UrlCatcher catcher;
-    QDesktopServices::setUrlHandler("file", &catcher, "open");
-    main->mnuHelp_Click();
-    QDesktopServices::unsetUrlHandler("file");
-    ASSERT_EQ(catcher.urls.size(), 1);
-    EXPECT_EQ(catcher.urls[0].toLocalFile(), QDir::current().absoluteFilePath("Dovrik_ONLINE_DOC.chm"));
-    EXPECT_NO_BOXES();
+    const QString named = QDir::current().absoluteFilePath("Dovrik_ONLINE_DOC.chm");
+    const QString guide = QDir(QCoreApplication::applicationDirPath()).filePath("marlowan-guide.html");
+    ASSERT_TRUE(QFileInfo(guide).isFile()) << "the build puts the guide beside the program";
+    struct Case { bool helpFile, browser; QString opened, box; };
+    const Case cases[] = {
+        {true, true, named, ""},
+        {false, true, guide, ""},
+        {false, false, "", "No web browser could be started. The user guide is the file " + guide + "; open it in any web browser."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.opened.toStdString());
+        QFile help(named);
+        if (c.helpFile) ASSERT_TRUE(help.open(QIODevice::WriteOnly));
+        UrlCatcher catcher;
+        if (c.browser) QDesktopServices::setUrlHandler("file", &catcher, "open");
+        recorder().clear();
+        main->mnuHelp_Click();
+        QDesktopServices::unsetUrlHandler("file");
+        help.remove();
+        EXPECT_EQ(catcher.urls, c.opened.isEmpty() ? QList<QUrl>() : QList<QUrl>{QUrl::fromLocalFile(c.opened)});
+        EXPECT_EQ(recorder().texts(), c.box.isEmpty() ? QStringList() : QStringList{c.box});
+    }
 }
 
 TEST_F(MainWindow, SplashLoadsTheMainFormAndShowsItWhenDismissed)

@@ -264,7 +264,7 @@ void FrmMain::buildControls()
     chkProtectedAreas->setVisible(false);
 
     // Client area as designed; the menu bar lies above it.
-    resize(TwipsToPx(12630), TwipsToPx(8025) + menuBar()->sizeHint().height());
+    SetSizeTwips(this, 12630, 8025 + int(std::lround(PxToTwips(menuBar()->sizeHint().height()))));
 
     // --- events ---
     connect(mnuOpen, &QAction::triggered, this, [this] { mnuOpen_Click(); });
