@@ -60,6 +60,7 @@ QRadioButton* makeDarkOption(QWidget* parent, const QString& text, int l, int t,
     SetTwips(o, l, t, w, h);
     QPalette p = o->palette();
     p.setColor(QPalette::Window, Qt::black);
+    p.setColor(QPalette::Button, Qt::black);
     p.setColor(QPalette::WindowText, Qt::white);
     p.setColor(QPalette::Disabled, QPalette::WindowText, QColor(150, 150, 150));
     o->setPalette(p);
@@ -139,7 +140,7 @@ void FrmMain::buildControls()
     fraStartUpImage = makeFrame(client, 120, 1080, 3495, 6495);
     Image1 = new QLabel(fraStartUpImage);
     SetTwips(Image1, 120, 120, 3240, 6255);
-    Image1->setPixmap(StartUpPicture());
+    Image1->setPixmap(StartUpPicture(Image1->size(), devicePixelRatioF()));
 
     fraEditLegend = makeFrame(client, 120, 1080, 3495, 6495);
     fraEditLegend->setVisible(false);

@@ -10,6 +10,7 @@
 #include <QPainterPath>
 #include <QPointer>
 #include <QScreen>
+#include <functional>
 #include <cmath>
 
 #include "app/frmMain.h"
@@ -23,6 +24,9 @@ QPointer<FrmSplash> g_splash;
 bool g_unloading = false;
 
 constexpr int kMajor = 1, kMinor = 2, kRevision = 0;
+
+void drawSplash(QPainter& p);
+void drawStartUp(QPainter& p);
 
 // One turbine: a mast from the ground point up, a hub and three blades.
 void drawTurbine(QPainter& p, QPointF foot, double height, double angleDeg)
@@ -99,14 +103,36 @@ void drawLandscape(QPainter& p, const QSize& size, bool upright)
     }
 }
 
-}  // namespace
-
-QPixmap SplashPicture()
+// A picture drawn in the design's pixels, made for a control of the given
+// size on a screen of the given pixel ratio, so that it fills the control sharp.
+QPixmap pictureFor(const QSize& design, const QSize& shown, qreal dpr, const std::function<void(QPainter&)>& draw)
 {
-    QPixmap pix(656, 440);
+    QPixmap pix((QSizeF(shown) * dpr).toSize().expandedTo(QSize(1, 1)));
+    pix.setDevicePixelRatio(dpr);
     QPainter p(&pix);
     p.setRenderHint(QPainter::Antialiasing);
-    drawLandscape(p, pix.size(), false);
+    p.scale(double(shown.width()) / design.width(), double(shown.height()) / design.height());
+    draw(p);
+    return pix;
+}
+
+}  // namespace
+
+QPixmap SplashPicture(const QSize& shown, qreal dpr)
+{
+    return pictureFor({656, 440}, shown, dpr, [](QPainter& p) { drawSplash(p); });
+}
+
+QPixmap StartUpPicture(const QSize& shown, qreal dpr)
+{
+    return pictureFor({216, 417}, shown, dpr, [](QPainter& p) { drawStartUp(p); });
+}
+
+namespace {
+
+void drawSplash(QPainter& p)
+{
+    drawLandscape(p, QSize(656, 440), false);
     QFont title(QStringLiteral("Serif"));
     title.setPixelSize(64);
     title.setBold(true);
@@ -119,23 +145,20 @@ QPixmap SplashPicture()
     sub.setPixelSize(18);
     p.setFont(sub);
     p.drawText(QRectF(0, 120, 656, 30), Qt::AlignHCenter, QStringLiteral("Sites for wind and solar power"));
-    return pix;
 }
 
-QPixmap StartUpPicture()
+void drawStartUp(QPainter& p)
 {
-    QPixmap pix(216, 417);
-    QPainter p(&pix);
-    p.setRenderHint(QPainter::Antialiasing);
-    drawLandscape(p, pix.size(), true);
+    drawLandscape(p, QSize(216, 417), true);
     QFont title(QStringLiteral("Serif"));
     title.setPixelSize(28);
     title.setBold(true);
     p.setFont(title);
     p.setPen(Qt::white);
     p.drawText(QRectF(0, 24, 216, 40), Qt::AlignHCenter, QStringLiteral("Marlowan"));
-    return pix;
 }
+
+}  // namespace
 
 FrmSplash::FrmSplash()
     : QDialog(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::MSWindowsFixedSizeDialogHint)
@@ -146,7 +169,7 @@ FrmSplash::FrmSplash()
     SetTwips(fraSplash, 0, 0, 10065, 6915);
     imgSplash = new QLabel(fraSplash);
     SetTwips(imgSplash, 120, 240, 9840, 6600);
-    imgSplash->setPixmap(SplashPicture());
+    imgSplash->setPixmap(SplashPicture(imgSplash->size(), devicePixelRatioF()));
     lblVersion = new QLabel(fraSplash);
     SetTwips(lblVersion, 240, 6600, 9555, 255);
     lblVersion->setAlignment(Qt::AlignRight | Qt::AlignVCenter);

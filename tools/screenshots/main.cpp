@@ -80,6 +80,7 @@ int main(int argc, char** argv)
     f.mnuPrint_Click();
     FrmPrint& print = frmPrint();
     print.txtHeading->setText("Wind sites outside protected areas");
+    print.txtHeading->clearFocus();  // as the press of Print takes it
     ok = save(&print, out.filePath("print-window.png")) && ok;
     const QString pdf = out.filePath("printed-page.pdf");
     print.printTarget = [pdf] { return MakePdfTarget(pdf, 600); };
