@@ -129,56 +129,48 @@ protected:
     FrmMain* main = nullptr;
 };
 
-TEST_F(Print, WindowControlsStandWhereDesignedAndTheHeadingTakesFiftyCharacters)
+TEST_F(Print, WindowDesignMenuAndCancel)
 {
+    main->mnuPrint_Click();
+    EXPECT_FALSE(frmPrintExists()) << "the menu needs layers";
     FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
     EXPECT_TRUE(f.isVisible() && f.parentWidget() == nullptr);
     EXPECT_EQ(f.windowTitle(), "Print Map");
     EXPECT_EQ(f.size(), QSize(TwipsToPx(9060), TwipsToPx(8655)));
-
-    // Captions, visibility and a sample of the design positions.
-    struct Placed { const char* name; QWidget* w; std::array<int, 4> at; bool shown; QString caption; };
+    struct Placed { QWidget* w; std::array<int, 4> at; QString caption; };
     const Placed table[] = {
-        {"lblHeading", f.lblHeading, {120, 120, 1095, 735}, true, "Enter Heading: (Limited to 50   characters.)"},
-        {"Map2", f.Map2, {1440, 720, 4935, 2895}, true, ""},
-        {"Label1", f.Label1, {6600, 720, 2295, 975}, true,
-         "Note: The legend list shown below may not show all the layer information. But the printed map will "
-         "have legend for all layers.     "},
-        {"cmdPrint", f.cmdPrint, {6480, 1800, 1095, 495}, true, "Print"},
-        {"Command2", f.Command2, {7710, 1800, 1095, 495}, true, "Cancel"},
-        {"pictHeadFromClipboard", f.pictHeadFromClipboard, {120, 2160, 615, 375}, false, ""},
-        {"Map3", f.Map3, {7320, 2520, 1455, 1335}, false, ""},
-        {"Picture4", f.Picture4, {2640, 4200, 2535, 4335}, true, ""},
+        {f.lblHeading, {120, 120, 1095, 735}, "Enter Heading: (Limited to 50   characters.)"},
+        {f.Label1, {6600, 720, 2295, 975},
+         "Note: The legend list shown below may not show all the layer information. But the printed map will have legend for all layers.     "},
+        {f.cmdPrint, {6480, 1800, 1095, 495}, "Print"},
+        {f.Command2, {7710, 1800, 1095, 495}, "Cancel"},
+        {f.Picture4, {2640, 4200, 2535, 4335}, ""},
     };
     for (const Placed& p : table) {
-        SCOPED_TRACE(p.name);
-        EXPECT_EQ(p.w->parentWidget(), &f);
         const TwipsRect r = Twips(p.w);
-        EXPECT_EQ((std::array{r.Left, r.Top, r.Width, r.Height}), p.at);
-        EXPECT_EQ(Visible(p.w), p.shown);
+        EXPECT_EQ((std::array{r.Left, r.Top, r.Width, r.Height}), p.at) << p.caption.toStdString();
         if (auto* l = qobject_cast<QLabel*>(p.w)) EXPECT_EQ(l->text(), p.caption);
         if (auto* b = qobject_cast<QPushButton*>(p.w)) EXPECT_EQ(b->text(), p.caption);
     }
-    for (QWidget* w : std::initializer_list<QWidget*>{f.Map4, f.Map5, f.Map6}) EXPECT_FALSE(Visible(w));
-
-    // The heading box sits inside its picture box, reaching out of it on the left.
+    for (QWidget* w : std::initializer_list<QWidget*>{f.pictHeadFromClipboard, f.pictScalebarFromClipboard, f.Map3, f.Map4, f.Map5, f.Map6})
+        EXPECT_FALSE(Visible(w));
     EXPECT_EQ(f.txtHeading->parentWidget(), f.pictHeadingEmbed);
-    const QRect inClient = f.txtHeading->geometry().translated(-f.pictHeadingEmbed->contentsRect().topLeft());
-    EXPECT_EQ(inClient.topLeft(), QPoint(TwipsToPx(-240), 0));
-    EXPECT_EQ(inClient.right() + 1, TwipsToPx(6360));
-
     // What the user sees over the picture boxes: the scale bar over its image
     // area, the legend pictures over the legend controls.
     auto seenAt = [&](QWidget* w) { return f.childAt(w->geometry().center()); };
     EXPECT_EQ(QList<QWidget*>({seenAt(f.pictEmbedScalebar), seenAt(f.legend1), seenAt(f.Picture1), seenAt(f.Picture3)}),
               QList<QWidget*>({f.sbMapView, f.Picture4, f.Picture1, f.Picture3}));
-
-    // The heading starts empty and takes at most fifty characters (the line
-    // edit stops the typing there), centred in bold.
-    EXPECT_EQ(f.txtHeading->text(), "");
-    EXPECT_EQ(f.txtHeading->maxLength(), 50);
+    // The heading starts empty and takes at most fifty characters, centred in bold.
+    EXPECT_TRUE(f.txtHeading->text().isEmpty() && f.txtHeading->maxLength() == 50);
     EXPECT_TRUE((f.txtHeading->alignment() & Qt::AlignHCenter) && f.txtHeading->font().bold());
     EXPECT_EQ(f.txtHeading->font().family() + " " + QString::number(f.txtHeading->font().pointSizeF()), "MS Sans Serif 8.25");
+
+    QPointer<FrmPrint> form(&f);
+    f.Command2->click();
+    EXPECT_FALSE(frmPrintExists());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(form.isNull());
+    EXPECT_TRUE(recorder().boxes.empty());
 }
 
 // The theme maps take the main map's layers by theme and follow its top
@@ -271,6 +263,8 @@ TEST_F(Print, ALegendBitmapThatCannotBeWrittenEndsTheLoadWithItsMessage)
     EXPECT_TRUE(f.isVisible()) << "the window opens all the same";
 }
 
+// The scale bar: the preview's extents, the fixed look, the unit code from
+// the upper-cased unit name of the top layer, and what its failures leave out.
 TEST_F(Print, ScaleBarIsSetUpFromThePreviewAndTheTopLayersUnit)
 {
     FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
@@ -287,57 +281,39 @@ TEST_F(Print, ScaleBarIsSetUpFromThePreviewAndTheTopLayersUnit)
                                    double(sb.layout().valid)}),
               (std::vector<double>{1, 0xFFFFFF, 0x808080, 0xFFC0C0, 3, 8, ScaleBar::Meters, 0.6f, 3, 1}));
     EXPECT_EQ(sb.BarFont().family(), "Arial Narrow");
-}
 
-TEST_F(Print, UnitCodeComesFromTheUpperCasedUnitName)
-{
-    const std::string geo = "GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\",6378137.0,"
-                            "298.257223563]],PRIMEM[\"Greenwich\",0.0],";
-    auto projected = [&](const std::string& unit, double metres) {
-        return "PROJCS[\"Local_TM\"," + geo + "UNIT[\"Degree\",0.0174532925199433]],"
-               "PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"False_Easting\",500000.0],"
-               "PARAMETER[\"False_Northing\",0.0],PARAMETER[\"Central_Meridian\",12.0],"
-               "PARAMETER[\"Scale_Factor\",0.9996],PARAMETER[\"Latitude_Of_Origin\",0.0],UNIT[\"" + unit + "\"," +
-               std::to_string(metres) + "]]";
+    const std::string geo = "GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\",6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],";
+    auto projected = [&](const std::string& unit) {
+        return "PROJCS[\"Local_TM\"," + geo + "UNIT[\"Degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],"
+               "PARAMETER[\"Central_Meridian\",12.0],PARAMETER[\"Scale_Factor\",0.9996],UNIT[\"" + unit + "\",0.3048]]";
     };
     struct Case { const char* what; std::string prj; int code; };
-    const Case cases[] = {
-        {"Degree", geo + "UNIT[\"Degree\",0.0174532925199433]]", ScaleBar::Degrees},
-        {"Feet", projected("Feet", 0.3048), ScaleBar::Feet},
-        {"feet", projected("feet", 0.3048), ScaleBar::Feet},
-        {"Foot_US", projected("Foot_US", 0.3048006096012192), ScaleBar::Meters},
-        {"Meter", projected("Meter", 1.0), ScaleBar::Meters},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        FrmPrint& f = openOnCities(c.what, c.prj);
+    for (const Case& c : {Case{"Degree", geo + "UNIT[\"Degree\",0.0174532925199433]]", ScaleBar::Degrees},
+                          {"feet", projected("feet"), ScaleBar::Feet}, {"Foot_US", projected("Foot_US"), ScaleBar::Meters}}) {
+        EXPECT_EQ(openOnCities(c.what, c.prj).sbMapView->MapUnits(), c.code) << c.what;
         EXPECT_NO_BOXES();
-        EXPECT_EQ(f.sbMapView->MapUnits(), c.code);
     }
-}
 
-TEST_F(Print, ScaleBarFailuresLeaveOutTheRestOfItsSettings)
-{
-    // The top layer without a projection file: the unit cannot be read.
-    FrmPrint& f = openOnCities("noprj", "");
+    // The top layer without a projection file: the unit cannot be read, and
+    // the last settings are left out; the legends are made all the same.
+    FrmPrint& g = openOnCities("noprj", "");
     EXPECT_EQ(recorder().texts(), QStringList({kScalebarFailed}));
     const ScaleBar defaults;
-    EXPECT_EQ(f.sbMapView->Divisions(), 3) << "set before the unit is looked at";
-    EXPECT_FLOAT_EQ(f.sbMapView->BarWidthRatio(), defaults.BarWidthRatio());
-    EXPECT_EQ(f.sbMapView->LabelMode(), defaults.LabelMode());
-    EXPECT_FALSE(f.Picture1->Picture().isNull()) << "the legends are made after the failure";
+    EXPECT_EQ(g.sbMapView->Divisions(), 3) << "set before the unit is looked at";
+    EXPECT_EQ(std::pair(g.sbMapView->BarWidthRatio(), g.sbMapView->LabelMode()), std::pair(defaults.BarWidthRatio(), defaults.LabelMode()));
+    EXPECT_FALSE(g.Picture1->Picture().isNull());
 
     // No font: a plain box, and nothing after the extents is set.
-    f.createFont = [] { return std::optional<QFont>(); };
-    f.sbMapView->setDivisions(7);
-    f.sbMapView->setMapExtent(0, 0, 0, 0);
+    g.createFont = [] { return std::optional<QFont>(); };
+    g.sbMapView->setDivisions(7);
+    g.sbMapView->setMapExtent(0, 0, 0, 0);
     recorder().clear();
-    f.setupScalebar();
+    g.setupScalebar();
     ASSERT_EQ(recorder().boxes.size(), 1u);
     EXPECT_EQ(recorder().boxes[0].text, "stdole.StdFont  is not installed. Scale bar will not be printed");
     EXPECT_EQ(recorder().boxes[0].icon, seam::Icon::None);
-    EXPECT_EQ(f.sbMapView->Divisions(), 7);
-    EXPECT_NE(f.sbMapView->MapExtent().Right, 0) << "the extents come before the font";
+    EXPECT_EQ(g.sbMapView->Divisions(), 7);
+    EXPECT_NE(g.sbMapView->MapExtent().Right, 0) << "the extents come before the font";
 }
 
 // The preview shows the result at each of its repaints, with a flag of its
@@ -454,46 +430,14 @@ TEST_F(Print, WithoutAPrinterThePageGoesToAPdfInTheDocumentsFolder)
     EXPECT_EQ(recorder().boxes[0].buttons, seam::Buttons::OK);
 }
 
-TEST_F(Print, ConversionsRoundHalvesToEvenAndFailOutsideSixteenBits)
+TEST_F(Print, ScreenConversionRoundsHalvesToEvenAndFailsOutsideSixteenBits)
 {
     const ScreenMetrics screen;
-    struct Twips { double twips; int axis; int16_t pixels; };
-    const Twips twips[] = {{4335, 1, 289}, {4335, 0, 289}, {22.5, 0, 2}, {37.5, 1, 2}, {52.5, 0, 4}, {4335, 2, -1}, {4335, -1, -1}};
-    for (const Twips& c : twips) EXPECT_EQ(ConvTwips2Pix(screen, c.twips, c.axis), c.pixels) << c.twips << "/" << c.axis;
-
-    const QString twipsFailed = " Error in ConvTwips2Pix function. Error Source:frmPrint.ConvTwips2Pix()";
+    struct Case { double twips; int axis; int16_t pixels; };
+    for (const Case& c : {Case{4335, 1, 289}, {4335, 0, 289}, {22.5, 0, 2}, {37.5, 1, 2}, {52.5, 0, 4}, {4335, 2, -1}, {4335, -1, -1}})
+        EXPECT_EQ(ConvTwips2Pix(screen, c.twips, c.axis), c.pixels) << c.twips << "/" << c.axis;
     EXPECT_EQ(ConvTwips2Pix(screen, 1e6, 0) + ConvTwips2Pix(ScreenMetrics{15, 0}, 100, 1), 0);
-    EXPECT_EQ(recorder().texts(), QStringList({twipsFailed, twipsFailed}));
-    recorder().clear();
-
-    FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
-    const QString pdf = QDir(q(testsupport::tempDir("conv"))).filePath("never.pdf");
-    struct Case { int dpi; double value; int axis; int16_t result; };
-    const Case toInch[] = {{600, 600, 0, 1}, {600, 900, 1, 2}, {600, 1500, 0, 2}, {300, 300, 1, 1}, {600, 600, 3, -1}};
-    auto at = [&](int dpi) -> FrmPrint& { return f.printTarget = [pdf, dpi] { return MakePdfTarget(pdf, dpi); }, f; };
-    for (const Case& c : toInch) EXPECT_EQ(at(c.dpi).ConvPrinterPix2FrameInch(c.value, c.axis), c.result) << c.dpi << ": " << c.value;
-    const Case toPixels[] = {{600, 1, 0, 600}, {300, 2.5, 1, 750}, {720, 1.5, 0, 1080}, {600, 1, 7, -1}};
-    for (const Case& c : toPixels) EXPECT_EQ(at(c.dpi).ConvFrameInch2PrinterPix(c.value, c.axis), c.result) << c.dpi << ": " << c.value;
-    EXPECT_EQ(at(600).ConvFrameInch2PrinterPix(100, 0) + f.ConvPrinterPix2FrameInch(1e8, 1), 0);
-    EXPECT_EQ(recorder().texts(),
-              QStringList({" Error in ConvFrameInch2PrinterPix function. Error Source:frmPrint.ConvFrameInch2PrinterPix()",
-                           " Error in ConvPrinterPix2FrameInch function. Error Source:frmPrint.ConvPrinterPix2FrameInch()"}));
-    EXPECT_FALSE(QFileInfo::exists(pdf));
-}
-
-TEST_F(Print, MenuNeedsLayersAndCancelUnloadsTheWindow)
-{
-    main->mnuPrint_Click();
-    EXPECT_FALSE(frmPrintExists());
-    EXPECT_TRUE(recorder().boxes.empty());
-    FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
-    QPointer<FrmPrint> form(&f);
-    f.Command2->click();
-    EXPECT_FALSE(frmPrintExists());
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_TRUE(form.isNull());
-    frmMain().mnuPrint_Click();  // opening again builds everything anew
-    EXPECT_TRUE(frmPrintExists() && frmPrint().Map2->Layers().Count() == 1);
+    EXPECT_EQ(recorder().texts(), QStringList(2, " Error in ConvTwips2Pix function. Error Source:frmPrint.ConvTwips2Pix()"));
 }
 
 // The whole page as a person sees it: the result in its class colours on the

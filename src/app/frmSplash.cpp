@@ -16,6 +16,7 @@
 #include "app/frmMain.h"
 #include "app/messages.h"
 #include "mapping/controls.h"
+#include "mapping/symbol.h"
 #include "workspace/frmShowLayersDialog.h"
 
 namespace {
@@ -173,6 +174,7 @@ FrmSplash::FrmSplash()
     lblVersion = new QLabel(fraSplash);
     SetTwips(lblVersion, 240, 6600, 9555, 255);
     lblVersion->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    SetForeColor(lblVersion, RGB(255, 255, 255));  // it lies on the picture's dark foot
 
     fraSplash->installEventFilter(this);
     imgSplash->installEventFilter(this);
