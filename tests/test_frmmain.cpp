@@ -64,14 +64,19 @@ TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
                   (std::array{TwipsToPx(p.at.x()), TwipsToPx(p.at.y()), TwipsToPx(p.at.x() + p.at.width()), TwipsToPx(p.at.y() + p.at.height())}));
         EXPECT_EQ(captionOf(p.widget), p.caption);
     }
+    // The state the load leaves.
+    EXPECT_TRUE(f.bFormLoaded && f.bFirstQuery && bShowMarkedShape && f.iToolMode == 1 && f.iZoomFactor == 2);
+    EXPECT_TRUE(f.optPanZoom[1]->isChecked() && f.optEditLegend[0]->isChecked());
+    EXPECT_EQ(sDataDirectory, QCoreApplication::applicationDirPath());
+    QStringList standard;
+    for (const std::string& s : datagen::standardFiles()) standard << q(s);
+    EXPECT_EQ(QStringList(sStandardFiles.begin(), sStandardFiles.end()), standard);
     EXPECT_EQ(f.windowTitle(), "Marlowan");
     EXPECT_TRUE(f.lblMapNote->text().startsWith(
         "Marlowan from Kelvora, a Tessimar Project.  For data source information, goto "));
     EXPECT_EQ(f.lblWorking->text(), "");  // emptied by the base-map selection at start
     EXPECT_EQ(ForeColor(f.lblWorking), RGB(0, 0, 255));
-    // A normal desktop size for the text, and the design's larger texts larger still.
-    EXPECT_GE(f.cmdUpdateMap->font().pointSizeF(), 9);
-    EXPECT_GT(f.lblWorking->font().pointSizeF(), f.cmdUpdateMap->font().pointSizeF());
+    EXPECT_GE(f.cmdUpdateMap->font().pointSizeF(), 9);  // a normal desktop size
 
     // File holds four entries; Help stands beside it.
     auto texts = [](const QList<QAction*>& actions) {
@@ -126,20 +131,6 @@ TEST_F(MainWindow, TheWindowKeepsItsControlsInViewAndFitsTheScreen)
     }
 }
 
-TEST_F(MainWindow, LoadLeavesTheStartStateAndTheStandardTable)
-{
-    FrmMain& f = *main;
-    EXPECT_TRUE(f.bFormLoaded && f.bFirstQuery && bShowMarkedShape);
-    EXPECT_EQ(f.iToolMode, 1);
-    EXPECT_EQ(f.iZoomFactor, 2);
-    EXPECT_TRUE(f.optPanZoom[1]->isChecked() && f.optEditLegend[0]->isChecked());
-    EXPECT_EQ(sDataDirectory, QCoreApplication::applicationDirPath());
-    QStringList standard;
-    for (const std::string& s : datagen::standardFiles()) standard << q(s);
-    ASSERT_EQ(standard.size(), 28);
-    EXPECT_EQ(QStringList(sStandardFiles.begin(), sStandardFiles.end()), standard);
-    EXPECT_NO_BOXES();
-}
 
 TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSizeByTheMarginsMeasuredAtLoad)
 {
@@ -235,13 +226,10 @@ TEST_F(MainWindow, EditOrLegendWaitsForTheFirstQuery)
 {
     FrmMain& f = *main;
     auto shown = [&] { return QString(Visible(f.fraEdit) ? "edit" : "") + (Visible(f.fraLegend) ? "legend" : ""); };
-    // The start-up picture is showing: the option has no effect.
     f.optEditLegend[1]->setChecked(true);
-    EXPECT_EQ(shown(), "edit");
-
+    EXPECT_EQ(shown(), "edit") << "no effect while the start-up picture shows";
     f.bFirstQuery = false;
-    f.optEditLegend[0]->setChecked(true);
-    f.optEditLegend[1]->setChecked(true);
+    f.optEditLegend[0]->setChecked(true), f.optEditLegend[1]->setChecked(true);
     EXPECT_EQ(shown(), "legend");
     f.optEditLegend_Click(0);
     EXPECT_EQ(shown(), "edit");
@@ -313,28 +301,17 @@ TEST_F(MainWindow, SplashLoadsTheMainFormAndShowsItWhenDismissed)
     EXPECT_TRUE(frmMain().bFormLoaded);
     EXPECT_FALSE(frmMain().isVisible() || frmShowLayersDialog().isVisible());
 
-    auto click = [](QWidget* w) {
-        QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton, Qt::LeftButton,
-                          Qt::NoModifier);
-        QCoreApplication::sendEvent(w, &press);
-    };
-    // A click on the version label does nothing.
-    click(s.lblVersion);
-    EXPECT_TRUE(frmSplashExists());
-    EXPECT_FALSE(frmMain().isVisible());
-
-    // A click on the picture ends the splash and shows the main form.
-    click(s.imgSplash);
-    EXPECT_FALSE(frmSplashExists());
-    EXPECT_TRUE(frmMain().isVisible());
-
-    // A key ends a splash as well.
+    // A click on the version label does nothing; one on the picture ends the
+    // splash and shows the main form; so does a key.
+    QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(s.lblVersion, &press);
+    EXPECT_TRUE(frmSplashExists() && !frmMain().isVisible());
+    QCoreApplication::sendEvent(s.imgSplash, &press);
+    EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
     unloadFrmMain();
-    FrmSplash& s2 = frmSplash();
     QKeyEvent key(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ");
-    QCoreApplication::sendEvent(&s2, &key);
-    EXPECT_FALSE(frmSplashExists());
-    EXPECT_TRUE(frmMain().isVisible());
+    QCoreApplication::sendEvent(&frmSplash(), &key);
+    EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
     EXPECT_NO_BOXES();
 }
 
@@ -367,26 +344,15 @@ TEST_F(MainWindow, DrawEventsAreTheBeatOfTheInterface)
     EXPECT_FALSE(seen.back().drawn);
     EXPECT_FALSE(bQueryDrawn);
     EXPECT_NO_BOXES();
+
+    // The marked-shape hook: a shape that cannot be drawn gives its message.
+    oMarkedShape = std::make_shared<Rectangle>(0, 0, 1, 1);
+    oMarkedSymbol.reset();
+    f.Map1_AfterTrackingLayerDraw(nullptr);
+    EXPECT_EQ(recorder().texts(), QStringList{" Error while trying to draw tracking layer. Error Source:frmMain.Map1_AfterTrackingLayerDraw()"});
+    oMarkedShape.reset();
 }
 
-TEST_F(MainWindow, TheMarkedShapeHookStillClearsTheDrawnFlag)
-{
-    FrmMain& f = *main;
-    loadDirectory(q(testsupport::dataset()));
-    oMarkedShape = std::make_shared<Rectangle>(0, 0, 1, 1);
-    oMarkedSymbol.reset();  // drawing it fails
-    bQueryDrawn = true;
-    f.Map1_AfterTrackingLayerDraw(nullptr);
-    EXPECT_EQ(recorder().texts(),
-              QStringList{" Error while trying to draw tracking layer. Error Source:frmMain.Map1_AfterTrackingLayerDraw()"});
-    // Without a shape the flag is cleared.
-    recorder().clear();
-    oMarkedShape.reset();
-    bQueryDrawn = true;
-    f.Map1_AfterTrackingLayerDraw(nullptr);
-    EXPECT_FALSE(bQueryDrawn);
-    EXPECT_NO_BOXES();
-}
 
 }  // namespace
 

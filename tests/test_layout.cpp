@@ -6,7 +6,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStyle>
-#include <QStyleOptionGroupBox>
 #include <QRegularExpression>
 #include <QTextLayout>
 
@@ -22,10 +21,7 @@ using namespace fixture;
 
 namespace {
 
-QRect designOf(const QWidget* w)
-{
-    return w->property("twips").toRect();
-}
+QRect designOf(const QWidget* w) { return w->property("twips").toRect(); }
 
 QString describe(const QWidget* w)
 {
@@ -103,32 +99,22 @@ std::optional<Caption> captionOf(QWidget* w)
         const int margins = w->style()->pixelMetric(QStyle::PM_ButtonMargin) + 2 * w->style()->pixelMetric(QStyle::PM_DefaultFrameWidth);
         return centred(QSize(fm.horizontalAdvance(b->text()) + margins, fm.height()));
     }
-    if (auto* g = qobject_cast<QGroupBox*>(w); g && !g->title().isEmpty()) {
-        QStyleOptionGroupBox option;
-        option.initFrom(g);
-        option.text = g->title();
-        option.subControls = QStyle::SC_GroupBoxLabel | QStyle::SC_GroupBoxFrame;
-        const QRect label = g->style()->subControlRect(QStyle::CC_GroupBox, &option, QStyle::SC_GroupBoxLabel, g);
-        return placed({QRect(label.topLeft(), QSize(fm.horizontalAdvance(g->title()), label.height()))});
-    }
+    if (auto* g = qobject_cast<QGroupBox*>(w); g && !g->title().isEmpty())  // the title, a letter in from each side
+        return centred(QSize(fm.horizontalAdvance(g->title() + "MM"), fm.height()));
     return std::nullopt;
 }
 
-// Labels, check boxes and option buttons draw their captions alone; the
-// others paint their whole area.
+// Labels, check boxes, option buttons and frames draw their captions alone;
+// the others paint their whole area.
 bool opaque(const QWidget* w)
 {
-    const bool see_through = qobject_cast<const QLabel*>(w) || qobject_cast<const QCheckBox*>(w)
-                             || qobject_cast<const QRadioButton*>(w) || qobject_cast<const QGroupBox*>(w);
-    return w->autoFillBackground() || !see_through;
+    return w->autoFillBackground() || !(qobject_cast<const QLabel*>(w) || qobject_cast<const QCheckBox*>(w) ||
+                                        qobject_cast<const QRadioButton*>(w) || qobject_cast<const QGroupBox*>(w));
 }
 
 bool meet(const QList<QRect>& a, const QList<QRect>& b)
 {
-    for (const QRect& x : a)
-        for (const QRect& y : b)
-            if (x.intersects(y)) return true;
-    return false;
+    return std::any_of(a.begin(), a.end(), [&](const QRect& x) { return std::any_of(b.begin(), b.end(), [&](const QRect& y) { return x.intersects(y); }); });
 }
 
 // The problems of one window as it stands.
@@ -198,10 +184,9 @@ TEST(Layout, EveryCaptionFitsInEveryFormAndArrangement)
 
     FrmShowQueryData& table = frmShowQueryData();
     for (int i = 0; i < kQueryDataRows; ++i) {
-        table.shpLayerColor[i]->setVisible(true);
-        table.lblArea[i]->setText("1,234,567.89 sq km"), table.lblArea[i]->setVisible(true);
+        table.lblArea[i]->setText("1,234,567.89 sq km");
         table.lblDescription[i]->setText(i % 2 ? "Wind Power Density >= 600 and < 800" : "Solar Resource >= 6.5 < 7.0");
-        table.lblDescription[i]->setVisible(true);
+        for (QWidget* w : std::initializer_list<QWidget*>{table.shpLayerColor[i], table.lblArea[i], table.lblDescription[i]}) w->setVisible(true);
     }
     problems << problemsOf(&table, "Query Results");
 
