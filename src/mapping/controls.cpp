@@ -13,11 +13,12 @@ double TwipsPerPixel = 15;
 
 namespace {
 
-// The design's dialog font (8.25 points at 96 dpi, 15 twips to the pixel)
-// averages 5.65 pixels a letter over the alphabet; the same measure of our
-// font, in logical pixels, tells how much larger the forms must be drawn.
-// Logical pixels already carry the screen's device pixel ratio, so a screen
-// scaled by 2 doubles every form without changing the factor.
+// The design's narrow dialog font (8.25 points at 96 dpi, 15 twips to the
+// pixel) is reckoned at 5.65 pixels a letter over the alphabet, the width at
+// which the design's longest captions just fill their controls; the same
+// measure of our font, in logical pixels, tells how much larger the forms
+// must be drawn. Logical pixels already carry the screen's device pixel
+// ratio, so a screen scaled by 2 doubles every form with the same factor.
 constexpr double kDesignLetterWidth = 5.65;
 constexpr double kDesignPoints = 8.25;
 
