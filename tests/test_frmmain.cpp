@@ -2,6 +2,9 @@
 // the enabled state of the interface through its states.
 #include <QCoreApplication>
 #include <QDesktopServices>
+#include <QFileInfo>
+#include <QScreen>
+#include <QStyleOptionButton>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QMouseEvent>
@@ -36,18 +39,11 @@ QString captionOf(QWidget* w)
 
 QRect rectOf(const TwipsRect& r) { return QRect(r.Left, r.Top, r.Width, r.Height); }
 
-// Where a control designed at r stands: whole pixels of 15 twips each.
-QRect placed(const TwipsRect& r)
-{
-    auto t = [](int v) { return TwipsToPx(v) * 15; };
-    return QRect(t(r.Left), t(r.Top), t(r.Width), t(r.Height));
-}
-
 // A sample of the design, some controls of each container.
 TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
 {
     FrmMain& f = *main;
-    struct Placed { const char* name; QWidget *widget, *container; TwipsRect at; QString caption; };
+    struct Placed { const char* name; QWidget *widget, *container; QRect at; QString caption; };
     const Placed table[] = {
         {"cboSelectQuery", f.cboSelectQuery, f.centralWidget(), {120, 720, 3615, 315}, "No Query (Base Map)"},
         {"cboScale", f.cboScale, f.fraMapHolder, {5640, 210, 2565, 315}, "- No Map - "},
@@ -56,21 +52,31 @@ TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
         {"cmdUpdateMap", f.cmdUpdateMap, f.fraEdit, {2100, 3120, 1035, 375}, "Update Map"},
         {"lblLayersCurrentlyDisplayed", f.lblLayersCurrentlyDisplayed, f.fraEdit, {150, 4290, 3000, 1155},
          "- No layers found -"},
-        {"cmdChangeLayers", f.cmdChangeLayers, f.fraEdit, {1200, 5520, 2055, 375}, "Change Layers..."},
         {"txtQuery1(0)", f.txtQuery1[0], f.fraEditQueryParameters, {90, 180, 500, 285}, "5"},
     };
     for (const Placed& p : table) {
         SCOPED_TRACE(p.name);
         EXPECT_EQ(p.widget->parentWidget(), p.container);
-        EXPECT_EQ(rectOf(Twips(p.widget)), placed(p.at));
+        EXPECT_EQ(rectOf(Twips(p.widget)), p.at);
+        // Edges are rounded to pixels, so controls that meet in the design meet on the screen.
+        const QRect g = p.widget->geometry();
+        EXPECT_EQ((std::array{g.left(), g.top(), g.right() + 1, g.bottom() + 1}),
+                  (std::array{TwipsToPx(p.at.x()), TwipsToPx(p.at.y()), TwipsToPx(p.at.x() + p.at.width()), TwipsToPx(p.at.y() + p.at.height())}));
         EXPECT_EQ(captionOf(p.widget), p.caption);
     }
-    EXPECT_EQ(f.fraEdit->parentWidget(), f.fraEditLegend);
+    // The state the load leaves.
+    EXPECT_TRUE(f.bFormLoaded && f.bFirstQuery && bShowMarkedShape && f.iToolMode == 1 && f.iZoomFactor == 2);
+    EXPECT_TRUE(f.optPanZoom[1]->isChecked() && f.optEditLegend[0]->isChecked());
+    EXPECT_EQ(sDataDirectory, QCoreApplication::applicationDirPath());
+    QStringList standard;
+    for (const std::string& s : datagen::standardFiles()) standard << q(s);
+    EXPECT_EQ(QStringList(sStandardFiles.begin(), sStandardFiles.end()), standard);
     EXPECT_EQ(f.windowTitle(), "Marlowan");
     EXPECT_TRUE(f.lblMapNote->text().startsWith(
         "Marlowan from Kelvora, a Tessimar Project.  For data source information, goto "));
     EXPECT_EQ(f.lblWorking->text(), "");  // emptied by the base-map selection at start
     EXPECT_EQ(ForeColor(f.lblWorking), RGB(0, 0, 255));
+    EXPECT_GE(f.cmdUpdateMap->font().pointSizeF(), 9);  // a normal desktop size
 
     // File holds four entries; Help stands beside it.
     auto texts = [](const QList<QAction*>& actions) {
@@ -82,20 +88,49 @@ TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
     EXPECT_EQ(texts(f.menuBar()->actions()), (QStringList{"File", "Help"}));
 }
 
-TEST_F(MainWindow, LoadLeavesTheStartStateAndTheStandardTable)
+// Each option button and check box shows a dark mark in its light box when
+// chosen, the tools on the black map holder too.
+TEST_F(MainWindow, ChosenOptionsAndTickedBoxesShowTheirMark)
 {
     FrmMain& f = *main;
-    EXPECT_TRUE(f.bFormLoaded && f.bFirstQuery && bShowMarkedShape);
-    EXPECT_EQ(f.iToolMode, 1);
-    EXPECT_EQ(f.iZoomFactor, 2);
-    EXPECT_TRUE(f.optPanZoom[1]->isChecked() && f.optEditLegend[0]->isChecked());
-    EXPECT_EQ(sDataDirectory, QCoreApplication::applicationDirPath());
-    QStringList standard;
-    for (const std::string& s : datagen::standardFiles()) standard << q(s);
-    ASSERT_EQ(standard.size(), 28);
-    EXPECT_EQ(QStringList(sStandardFiles.begin(), sStandardFiles.end()), standard);
-    EXPECT_NO_BOXES();
+    f.fraEditLegend->setVisible(true), f.chkProtectedAreas->setVisible(true);
+    for (QAbstractButton* b : std::initializer_list<QAbstractButton*>{f.optPanZoom[0], f.optPanZoom[1], f.optPanZoom[2],
+                                                                     f.optEditLegend[0], f.optEditLegend[1], f.chkProtectedAreas}) {
+        SCOPED_TRACE(b->text().toStdString());
+        QStyleOptionButton option;
+        option.initFrom(b);
+        const bool radio = qobject_cast<QRadioButton*>(b);
+        const QRect box = b->style()->subElementRect(radio ? QStyle::SE_RadioButtonIndicator : QStyle::SE_CheckBoxIndicator, &option, b);
+        const QRect middle = box.adjusted(box.width() * 3 / 10, box.height() * 3 / 10, -box.width() * 3 / 10, -box.height() * 3 / 10);
+        auto lightness = [&](bool on) {  // of the darkest pixel in the middle of the box
+            b->setEnabled(true), b->setAutoExclusive(false), b->setChecked(on);
+            const QImage image = b->grab().toImage();
+            int darkest = 255;
+            for (int y = middle.top(); y <= middle.bottom(); ++y)
+                for (int x = middle.left(); x <= middle.right(); ++x) darkest = std::min(darkest, image.pixelColor(x, y).lightness());
+            return darkest;
+        };
+        EXPECT_GT(lightness(false), 160);
+        EXPECT_LT(lightness(true), 100);
+    }
 }
+
+// Shown, the window holds the query panel and the map's buttons in view at
+// its smallest, and opens no larger than the screen.
+TEST_F(MainWindow, TheWindowKeepsItsControlsInViewAndFitsTheScreen)
+{
+    FrmMain& f = *main;
+    f.show();
+    const QRect screen = f.screen()->availableGeometry();
+    EXPECT_TRUE(f.width() <= std::max(screen.width(), f.minimumWidth()) && f.height() <= std::max(screen.height(), f.minimumHeight()));
+    f.resize(10, 10);
+    ASSERT_EQ(f.size(), f.minimumSize());
+    for (QWidget* w : std::initializer_list<QWidget*>{f.cmdZoomOut, f.cboScale, f.cmdUpdateMap, f.cmdChangeLayers}) {
+        const QRect at(w->mapTo(&f, QPoint(0, 0)), w->size());
+        EXPECT_TRUE(f.rect().contains(at)) << captionOf(w).toStdString();
+    }
+}
+
 
 TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSizeByTheMarginsMeasuredAtLoad)
 {
@@ -191,13 +226,10 @@ TEST_F(MainWindow, EditOrLegendWaitsForTheFirstQuery)
 {
     FrmMain& f = *main;
     auto shown = [&] { return QString(Visible(f.fraEdit) ? "edit" : "") + (Visible(f.fraLegend) ? "legend" : ""); };
-    // The start-up picture is showing: the option has no effect.
     f.optEditLegend[1]->setChecked(true);
-    EXPECT_EQ(shown(), "edit");
-
+    EXPECT_EQ(shown(), "edit") << "no effect while the start-up picture shows";
     f.bFirstQuery = false;
-    f.optEditLegend[0]->setChecked(true);
-    f.optEditLegend[1]->setChecked(true);
+    f.optEditLegend[0]->setChecked(true), f.optEditLegend[1]->setChecked(true);
     EXPECT_EQ(shown(), "legend");
     f.optEditLegend_Click(0);
     EXPECT_EQ(shown(), "edit");
@@ -230,15 +262,32 @@ public slots:
     void open(const QUrl& url) { urls << url; }
 };
 
-TEST_F(MainWindow, HelpOpensTheBareFileNameFromTheCurrentDirectory)
+// The help file the menu names opens where it lies; without it, the user
+// guide beside the program opens in the browser, or a box says where it is.
+TEST_F(MainWindow, HelpOpensTheNamedHelpFileOrElseTheUserGuide)
 {
-    UrlCatcher catcher;
-    QDesktopServices::setUrlHandler("file", &catcher, "open");
-    main->mnuHelp_Click();
-    QDesktopServices::unsetUrlHandler("file");
-    ASSERT_EQ(catcher.urls.size(), 1);
-    EXPECT_EQ(catcher.urls[0].toLocalFile(), QDir::current().absoluteFilePath("Dovrik_ONLINE_DOC.chm"));
-    EXPECT_NO_BOXES();
+    const QString named = QDir::current().absoluteFilePath("Dovrik_ONLINE_DOC.chm");
+    const QString guide = QDir(QCoreApplication::applicationDirPath()).filePath("marlowan-guide.html");
+    ASSERT_TRUE(QFileInfo(guide).isFile()) << "the build puts the guide beside the program";
+    struct Case { bool helpFile, browser; QString opened, box; };
+    const Case cases[] = {
+        {true, true, named, ""},
+        {false, true, guide, ""},
+        {false, false, "", "No web browser could be started. The user guide is the file " + guide + "; open it in any web browser."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.opened.toStdString());
+        QFile help(named);
+        if (c.helpFile) ASSERT_TRUE(help.open(QIODevice::WriteOnly));
+        UrlCatcher catcher;
+        if (c.browser) QDesktopServices::setUrlHandler("file", &catcher, "open");
+        recorder().clear();
+        main->mnuHelp_Click();
+        QDesktopServices::unsetUrlHandler("file");
+        help.remove();
+        EXPECT_EQ(catcher.urls, c.opened.isEmpty() ? QList<QUrl>() : QList<QUrl>{QUrl::fromLocalFile(c.opened)});
+        EXPECT_EQ(recorder().texts(), c.box.isEmpty() ? QStringList() : QStringList{c.box});
+    }
 }
 
 TEST_F(MainWindow, SplashLoadsTheMainFormAndShowsItWhenDismissed)
@@ -247,33 +296,22 @@ TEST_F(MainWindow, SplashLoadsTheMainFormAndShowsItWhenDismissed)
     ResetProgramState();
     FrmSplash& s = frmSplash();
     EXPECT_EQ(s.lblVersion->text(), "Version 1.2.0   (Click anywhere to continue)");
-    EXPECT_EQ(s.imgSplash->pixmap().size(), QSize(656, 440));
+    EXPECT_EQ(s.imgSplash->pixmap().deviceIndependentSize().toSize(), s.imgSplash->size());  // the picture fills its control
     ASSERT_TRUE(frmMainExists() && frmShowLayersDialogExists());
     EXPECT_TRUE(frmMain().bFormLoaded);
     EXPECT_FALSE(frmMain().isVisible() || frmShowLayersDialog().isVisible());
 
-    auto click = [](QWidget* w) {
-        QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton, Qt::LeftButton,
-                          Qt::NoModifier);
-        QCoreApplication::sendEvent(w, &press);
-    };
-    // A click on the version label does nothing.
-    click(s.lblVersion);
-    EXPECT_TRUE(frmSplashExists());
-    EXPECT_FALSE(frmMain().isVisible());
-
-    // A click on the picture ends the splash and shows the main form.
-    click(s.imgSplash);
-    EXPECT_FALSE(frmSplashExists());
-    EXPECT_TRUE(frmMain().isVisible());
-
-    // A key ends a splash as well.
+    // A click on the version label does nothing; one on the picture ends the
+    // splash and shows the main form; so does a key.
+    QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(s.lblVersion, &press);
+    EXPECT_TRUE(frmSplashExists() && !frmMain().isVisible());
+    QCoreApplication::sendEvent(s.imgSplash, &press);
+    EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
     unloadFrmMain();
-    FrmSplash& s2 = frmSplash();
     QKeyEvent key(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ");
-    QCoreApplication::sendEvent(&s2, &key);
-    EXPECT_FALSE(frmSplashExists());
-    EXPECT_TRUE(frmMain().isVisible());
+    QCoreApplication::sendEvent(&frmSplash(), &key);
+    EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
     EXPECT_NO_BOXES();
 }
 
@@ -306,26 +344,15 @@ TEST_F(MainWindow, DrawEventsAreTheBeatOfTheInterface)
     EXPECT_FALSE(seen.back().drawn);
     EXPECT_FALSE(bQueryDrawn);
     EXPECT_NO_BOXES();
+
+    // The marked-shape hook: a shape that cannot be drawn gives its message.
+    oMarkedShape = std::make_shared<Rectangle>(0, 0, 1, 1);
+    oMarkedSymbol.reset();
+    f.Map1_AfterTrackingLayerDraw(nullptr);
+    EXPECT_EQ(recorder().texts(), QStringList{" Error while trying to draw tracking layer. Error Source:frmMain.Map1_AfterTrackingLayerDraw()"});
+    oMarkedShape.reset();
 }
 
-TEST_F(MainWindow, TheMarkedShapeHookStillClearsTheDrawnFlag)
-{
-    FrmMain& f = *main;
-    loadDirectory(q(testsupport::dataset()));
-    oMarkedShape = std::make_shared<Rectangle>(0, 0, 1, 1);
-    oMarkedSymbol.reset();  // drawing it fails
-    bQueryDrawn = true;
-    f.Map1_AfterTrackingLayerDraw(nullptr);
-    EXPECT_EQ(recorder().texts(),
-              QStringList{" Error while trying to draw tracking layer. Error Source:frmMain.Map1_AfterTrackingLayerDraw()"});
-    // Without a shape the flag is cleared.
-    recorder().clear();
-    oMarkedShape.reset();
-    bQueryDrawn = true;
-    f.Map1_AfterTrackingLayerDraw(nullptr);
-    EXPECT_FALSE(bQueryDrawn);
-    EXPECT_NO_BOXES();
-}
 
 }  // namespace
 

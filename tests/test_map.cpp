@@ -8,10 +8,15 @@
 #include <QPainter>
 
 #include "datagen.h"
+#include "mapping/controls.h"
 #include "mapping/map.h"
 #include "support/testsupport.h"
 
 namespace {
+
+// The map's own cases reckon at 15 twips to the pixel, whatever the font.
+struct FifteenTwips : ::testing::Environment { void SetUp() override { TwipsPerPixel = 15; } };
+const auto* const kFifteenTwips = ::testing::AddGlobalTestEnvironment(new FifteenTwips);
 
 using namespace datagen;
 

@@ -194,7 +194,7 @@ TEST_F(Navigation, AClickInZoomModeZoomsThenCentresOnThePointReadInTheNewView)
         RectanglePtr scaled = before->copy();
         scaled->ScaleRectangle(c.factor);
         const double s = map()->width() / scaled->Width();
-        const double px = scaled->Left + x / 15.0 / s, py = scaled->Top - y / 15.0 / s;
+        const double px = scaled->Left + x / TwipsPerPixel / s, py = scaled->Top - y / TwipsPerPixel / s;
         const RectanglePtr after = map()->Extent();
         EXPECT_NEAR(after->Width(), before->Width() * c.factor, 1e-6 * before->Width());
         EXPECT_NEAR((after->Left + after->Right) / 2, px, 1e-6 * before->Width());

@@ -258,7 +258,7 @@ void checkPanel(FrmMain& f, const QString& query)
         auto s = std::find_if(shown.begin(), shown.end(), [&](const Shown& x) { return name == x.ctl; });
         EXPECT_EQ(Visible(w), s != shown.end());
         if (s == shown.end()) continue;
-        EXPECT_EQ(w->geometry(), QRect(TwipsToPx(s->l), TwipsToPx(s->t), TwipsToPx(s->w), TwipsToPx(s->h)));
+        EXPECT_EQ((std::array{Twips(w).Left, Twips(w).Top, Twips(w).Width, Twips(w).Height}), (std::array{s->l, s->t, s->w, s->h}));
         auto* label = qobject_cast<QLabel*>(w);
         if (s->caption) EXPECT_EQ(label ? label->text() : qobject_cast<QLineEdit*>(w)->text(), s->caption);
     }

@@ -5,13 +5,16 @@
 #include <cstdlib>
 #include <unistd.h>
 
+#include "mapping/controls.h"
+
 void InitApplication()
 {
     QApplication::setApplicationName(QStringLiteral("Marlowan"));
     QApplication::setApplicationVersion(QStringLiteral("1.2.0"));
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setPointSizeF(7.5);
+    QFont font(QStringLiteral("DejaVu Sans Condensed"));
+    font.setPointSizeF(9);
     QApplication::setFont(font);
+    ChooseTwipsPerPixel();
 }
 
 void RestartWithLargePages(char** argv)

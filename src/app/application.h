@@ -1,8 +1,8 @@
 #pragma once
 
 // What every start of the program sets up after making the QApplication: its
-// name (the title of every message box), its version and its font. The forms
-// are laid out in twips for an 8-point dialog font; a larger one would not fit.
+// name (the title of every message box), its version and its font, and the
+// twips-to-pixel factor of the forms, which follows that font.
 void InitApplication();
 
 // Starts the program anew with the heap on transparent huge pages, unless the

@@ -136,11 +136,15 @@ public:
     void mnuPrint_Click();
 
 protected:
+    void showEvent(QShowEvent*) override;
     void resizeEvent(QResizeEvent*) override;
     void closeEvent(QCloseEvent*) override;
 
 private:
     void buildControls();
+    // The smallest window that keeps the query panel and the map's buttons in view.
+    QSize minimumWindowSize() const;
+    bool placedOnScreen_ = false;
 };
 
 // The layer of Map1 that cLayerIndex names for a standard file; a file that is

@@ -10,11 +10,13 @@
 #include <QPainterPath>
 #include <QPointer>
 #include <QScreen>
+#include <functional>
 #include <cmath>
 
 #include "app/frmMain.h"
 #include "app/messages.h"
 #include "mapping/controls.h"
+#include "mapping/symbol.h"
 #include "workspace/frmShowLayersDialog.h"
 
 namespace {
@@ -23,6 +25,9 @@ QPointer<FrmSplash> g_splash;
 bool g_unloading = false;
 
 constexpr int kMajor = 1, kMinor = 2, kRevision = 0;
+
+void drawSplash(QPainter& p);
+void drawStartUp(QPainter& p);
 
 // One turbine: a mast from the ground point up, a hub and three blades.
 void drawTurbine(QPainter& p, QPointF foot, double height, double angleDeg)
@@ -94,18 +99,41 @@ void drawLandscape(QPainter& p, const QSize& size, bool upright)
     for (int i = 0; i < turbines; ++i) {
         const double x = w * (0.15 + 0.8 * i / turbines);
         const double foot = horizon + (i % 2) * h * 0.03;
-        drawTurbine(p, QPointF(x, foot), h * (upright ? 0.2 : 0.3) * (1.0 - 0.1 * (i % 3)), 20.0 + 37.0 * i);
+        // On the splash the blades stay below the title and its subtitle.
+        drawTurbine(p, QPointF(x, foot), h * (upright ? 0.2 : 0.16) * (1.0 - 0.1 * (i % 3)), 20.0 + 37.0 * i);
     }
+}
+
+// A picture drawn in the design's pixels, made for a control of the given
+// size on a screen of the given pixel ratio, so that it fills the control sharp.
+QPixmap pictureFor(const QSize& design, const QSize& shown, qreal dpr, const std::function<void(QPainter&)>& draw)
+{
+    QPixmap pix((QSizeF(shown) * dpr).toSize().expandedTo(QSize(1, 1)));
+    pix.setDevicePixelRatio(dpr);
+    QPainter p(&pix);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.scale(double(shown.width()) / design.width(), double(shown.height()) / design.height());
+    draw(p);
+    return pix;
 }
 
 }  // namespace
 
-QPixmap SplashPicture()
+QPixmap SplashPicture(const QSize& shown, qreal dpr)
 {
-    QPixmap pix(656, 440);
-    QPainter p(&pix);
-    p.setRenderHint(QPainter::Antialiasing);
-    drawLandscape(p, pix.size(), false);
+    return pictureFor({656, 440}, shown, dpr, [](QPainter& p) { drawSplash(p); });
+}
+
+QPixmap StartUpPicture(const QSize& shown, qreal dpr)
+{
+    return pictureFor({216, 417}, shown, dpr, [](QPainter& p) { drawStartUp(p); });
+}
+
+namespace {
+
+void drawSplash(QPainter& p)
+{
+    drawLandscape(p, QSize(656, 440), false);
     QFont title(QStringLiteral("Serif"));
     title.setPixelSize(64);
     title.setBold(true);
@@ -118,23 +146,20 @@ QPixmap SplashPicture()
     sub.setPixelSize(18);
     p.setFont(sub);
     p.drawText(QRectF(0, 120, 656, 30), Qt::AlignHCenter, QStringLiteral("Sites for wind and solar power"));
-    return pix;
 }
 
-QPixmap StartUpPicture()
+void drawStartUp(QPainter& p)
 {
-    QPixmap pix(216, 417);
-    QPainter p(&pix);
-    p.setRenderHint(QPainter::Antialiasing);
-    drawLandscape(p, pix.size(), true);
+    drawLandscape(p, QSize(216, 417), true);
     QFont title(QStringLiteral("Serif"));
     title.setPixelSize(28);
     title.setBold(true);
     p.setFont(title);
     p.setPen(Qt::white);
     p.drawText(QRectF(0, 24, 216, 40), Qt::AlignHCenter, QStringLiteral("Marlowan"));
-    return pix;
 }
+
+}  // namespace
 
 FrmSplash::FrmSplash()
     : QDialog(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::MSWindowsFixedSizeDialogHint)
@@ -145,10 +170,11 @@ FrmSplash::FrmSplash()
     SetTwips(fraSplash, 0, 0, 10065, 6915);
     imgSplash = new QLabel(fraSplash);
     SetTwips(imgSplash, 120, 240, 9840, 6600);
-    imgSplash->setPixmap(SplashPicture());
+    imgSplash->setPixmap(SplashPicture(imgSplash->size(), devicePixelRatioF()));
     lblVersion = new QLabel(fraSplash);
     SetTwips(lblVersion, 240, 6600, 9555, 255);
     lblVersion->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    SetForeColor(lblVersion, RGB(255, 255, 255));  // it lies on the picture's dark foot
 
     fraSplash->installEventFilter(this);
     imgSplash->installEventFilter(this);

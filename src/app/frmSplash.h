@@ -35,7 +35,8 @@ void unloadFrmSplash();
 // Ends the splash without its Form_Unload (the main form is closing).
 void discardFrmSplash();
 
-// The picture of imgSplash (656 x 440 pixels), drawn by the program.
-QPixmap SplashPicture();
-// The picture of frmMain's Image1 (216 x 417 pixels).
-QPixmap StartUpPicture();
+// The picture of imgSplash (656 x 440 pixels of the design), drawn by the
+// program to fill a control of the given size on a screen of the given ratio.
+QPixmap SplashPicture(const QSize& shown, qreal dpr);
+// The picture of frmMain's Image1 (216 x 417 pixels of the design), likewise.
+QPixmap StartUpPicture(const QSize& shown, qreal dpr);

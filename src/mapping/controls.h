@@ -13,14 +13,27 @@
 #include <QWidget>
 #include <functional>
 
-constexpr int TwipsPerPixel = 15;  // the screen: 1440 twips to the inch at 96 dpi
+// Twips to the screen's (logical) pixel. The forms were laid out at 15 twips
+// to the pixel for a narrow 8-point dialog font; like the platform did for a
+// larger system font, the layout is scaled by how much wider our font is.
+// Chosen once by ChooseTwipsPerPixel, which InitApplication calls after
+// setting the application's font; 15 until then.
+extern double TwipsPerPixel;
+void ChooseTwipsPerPixel();
+// A point size of the design, in the proportion of our font to its 8.25 points.
+double DesignPointSize(double designPoints);
 
 int TwipsToPx(double twips);
 double PxToTwips(double px);
 
+// A control's place in twips is kept with it, so that reading it back gives
+// the design's values exactly, whatever the rounding to whole pixels.
 struct TwipsRect { int Left, Top, Width, Height; };
 void SetTwips(QWidget* w, int left, int top, int width, int height);
 TwipsRect Twips(const QWidget* w);
+// A window's outer size in twips, kept the same way.
+void SetSizeTwips(QWidget* w, int width, int height);
+QSize SizeTwips(const QWidget* w);
 void SetLeft(QWidget* w, int twips);
 void SetTop(QWidget* w, int twips);
 void SetWidth(QWidget* w, int twips);

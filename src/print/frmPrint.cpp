@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QLocale>
@@ -154,6 +155,15 @@ QString PdfFileNameForHeading(const QString& heading)
     return name + ".pdf";
 }
 
+QString FreePdfPath(const QString& dir, const QString& fileName)
+{
+    // An earlier page is never replaced: "map.pdf", then "map (2).pdf", ...
+    const QString base = fileName.chopped(4);
+    QString path = QDir(dir).filePath(fileName);
+    for (int n = 2; QFileInfo::exists(path); ++n) path = QDir(dir).filePath(QString("%1 (%2).pdf").arg(base).arg(n));
+    return path;
+}
+
 std::unique_ptr<PrintTarget> MakePdfTarget(const QString& path, int dpi)
 {
     return std::make_unique<PdfTarget>(path, dpi, false);
@@ -165,7 +175,7 @@ std::unique_ptr<PrintTarget> MakeDefaultPrintTarget(const QString& heading, bool
     QString dir = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     if (dir.isEmpty()) dir = QDir::homePath();
     QDir().mkpath(dir);
-    return std::make_unique<PdfTarget>(QDir(dir).filePath(PdfFileNameForHeading(heading)), 600, true);
+    return std::make_unique<PdfTarget>(FreePdfPath(dir, PdfFileNameForHeading(heading)), 600, true);
 }
 
 // ---------------------------------------------------------------------------
@@ -241,6 +251,7 @@ FrmPrint::FrmPrint() : QWidget(nullptr)
     SetTwips(Picture3, 5160, 4200, 2655, 4335);
 
     connect(Map2, &Map::BeforeLayerDraw, this, [this](int index, QPainter* hDC) { Map2_BeforeLayerDraw(index, hDC); });
+    connect(Map2, &Map::AfterTrackingLayerDraw, this, [this](QPainter*) { bPreviewResultDrawn = false; });
     connect(cmdPrint, &QPushButton::clicked, this, [this] { cmdPrint_Click(); });
     connect(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
 }
@@ -430,10 +441,12 @@ void FrmPrint::setupScalebar()
 void FrmPrint::Map2_BeforeLayerDraw(int, QPainter*)
 {
     try {
-        // The same flag as Map1's: only Map1's last draw event clears it.
-        if (!bQueryDrawn) {
+        // The preview shows the result at every repaint, once, at the first
+        // layer, with a flag of its own: sharing the main map's flag, which
+        // only the main map clears, would leave it out of most repaints.
+        if (!bPreviewResultDrawn) {
             draw_query_results(Map2);
-            bQueryDrawn = true;
+            bPreviewResultDrawn = true;
         }
     } catch (...) {
         ErrorMessage(" Error in Map2_BeforeLayerDraw function. Error Source:frmPrint.Map2_BeforeLayerDraw()", 48);
@@ -549,6 +562,9 @@ void FrmPrint::cmdPrint_Click()
         lastPage.push_back({"Print", {}});
 
         const QRect mapBox(conv::ToInt32(x(300)), conv::ToInt32(y(350)), conv::ToInt32(x(4000)), conv::ToInt32(y(3700)));
+        // Arm the main map's guard, so that its draw events put the result on
+        // the page whatever the last repaint left in the flag.
+        bQueryDrawn = false;
         painter.save();
         frmMain().Map1->OutputMap(&painter, mapBox.x(), mapBox.y(), mapBox.width(), mapBox.height(), 1);
         painter.restore();
@@ -588,10 +604,6 @@ void FrmPrint::cmdPrint_Click()
 bool PrintPageToPdf(const QString& pdfPath, const QString& heading)
 {
     FrmPrint& f = frmPrint();
-    // The preview's drawing has used up the shared "drawn" flag. On a screen
-    // the main window repaints before anyone can press Print; here nothing
-    // would, and the page would miss the result the main map shows.
-    frmMain().Map1->Refresh();
     f.txtHeading->setText(heading);
     f.printTarget = [pdfPath] { return MakePdfTarget(pdfPath, 600); };
     f.cmdPrint_Click();

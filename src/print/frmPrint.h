@@ -67,10 +67,13 @@ public:
 // A PDF file at the given resolution. A print that fails leaves no file.
 std::unique_ptr<PrintTarget> MakePdfTarget(const QString& path, int dpi);
 // The default printer; where the machine has none, a PDF at 600 dpi in the
-// user's documents folder, named after the heading, announced when written.
+// user's documents folder, named after the heading (never over an earlier
+// one), announced with its name when written.
 std::unique_ptr<PrintTarget> MakeDefaultPrintTarget(const QString& heading, bool printerInstalled);
 // "heading.pdf" with the characters a file name cannot hold replaced, or "map.pdf".
 QString PdfFileNameForHeading(const QString& heading);
+// The file name in the directory, or the first of "name (2).pdf", "name (3).pdf"... that is free.
+QString FreePdfPath(const QString& dir, const QString& fileName);
 
 class FrmPrint : public QWidget {
     Q_OBJECT
@@ -101,6 +104,8 @@ public:
     PictureBox* Picture3 = nullptr;
 
     bool bSolarOrWindInLegend = false;
+    // The result is on the preview's repaint under way.
+    bool bPreviewResultDrawn = false;
 
     void Form_Load();
     void addLayersToOtherMaps(const QString& tag);

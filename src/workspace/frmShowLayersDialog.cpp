@@ -5,6 +5,8 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QStyleOptionButton>
+#include <QStylePainter>
 
 #include "app/frmMain.h"
 #include "app/messages.h"
@@ -14,6 +16,32 @@
 
 namespace {
 QPointer<FrmShowLayersDialog> g_dialog;
+}
+
+QRect LayerCheckBox::textArea() const
+{
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    const QRect indicator = style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, this);
+    const int spacing = style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing, &option, this);
+    return rect().adjusted(indicator.right() + 1 + spacing, 0, 0, 0);
+}
+
+void LayerCheckBox::paintEvent(QPaintEvent*)
+{
+    QStylePainter p(this);
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    option.rect = style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, this);
+    p.drawPrimitive(QStyle::PE_IndicatorCheckBox, option);
+    p.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
+    p.drawText(textArea(), kCaptionFlags, text());
+    if (hasFocus()) {
+        QStyleOptionFocusRect focus;
+        focus.initFrom(this);
+        focus.rect = fontMetrics().boundingRect(textArea(), kCaptionFlags, text()).adjusted(-1, 0, 1, 0);
+        p.drawPrimitive(QStyle::PE_FrameFocusRect, focus);
+    }
 }
 
 FrmShowLayersDialog::FrmShowLayersDialog(QWidget* owner)
@@ -26,7 +54,7 @@ FrmShowLayersDialog::FrmShowLayersDialog(QWidget* owner)
     Label1 = new QLabel(QStringLiteral("Click each layer you wish to display on the map, then click Update Map."), this);
     SetTwips(Label1, 120, 120, 7335, 255);
     for (int i = 0; i < BoxCount; ++i) {
-        auto* box = new QCheckBox(QStringLiteral("Check1"), this);
+        auto* box = new LayerCheckBox(QStringLiteral("Check1"), this);
         if (i < 14)
             SetTwips(box, 240, 360 + 360 * i, 3495, 375);
         else

@@ -1,10 +1,24 @@
 #pragma once
 // "Change Layers": one check box per layer of Map1, top layer first.
+#include <QCheckBox>
 #include <QDialog>
 #include <array>
 
-class QCheckBox;
 class QLabel;
+
+// A check box whose caption wraps onto a second line where one is too short,
+// as the longer layer names need in the box the design gives them.
+class LayerCheckBox : public QCheckBox {
+    Q_OBJECT
+public:
+    using QCheckBox::QCheckBox;
+    static constexpr int kCaptionFlags = Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap;
+    // The area right of the box where the caption is drawn with those flags.
+    QRect textArea() const;
+
+protected:
+    void paintEvent(QPaintEvent*) override;
+};
 class QPushButton;
 
 class FrmShowLayersDialog : public QDialog {
