@@ -1,6 +1,7 @@
 // marlowan-batch run as a process: its table equals the one the window
 // computes, refusals and usage errors exit with 2, failures with 1, and the
 // question of a long buffer run takes the answer of --answer.
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
@@ -108,26 +109,73 @@ TEST(Batch, SolarRangeTableToAFileWithProgressTimingAndMap)
     EXPECT_TRUE(found);
 }
 
-TEST(Batch, RefusalsExitWithTwoAndFailuresWithOneWithTheirOwnTexts)
+// A box at load or at selection does not end the run; any failure box makes
+// the status 1, also with a table written; a refusal of the window gives 2.
+TEST(Batch, RunsGoOnAfterBoxesAndAnyFailureBoxGivesOneElseARefusalTwo)
 {
+    // The land-use layer has no LAND_USE: its renderer fails at load, its list at selection.
+    const std::string noLandUse = testsupport::tempDir("batch-no-land-use");
+    const std::string small = testsupport::dataset("small");
+    for (const QString& file : QDir(q(small)).entryList(QDir::Files)) {
+        QFile in(q(small) + "/" + file), out(q(noLandUse) + "/" + file);
+        ASSERT_TRUE(in.open(QIODevice::ReadOnly) && out.open(QIODevice::WriteOnly));
+        out.write(file == "02_landuse.dbf" ? in.readAll().replace("LAND_USE", "LAND_USX") : in.readAll());
+    }
     // The availability check finds "16_solar_tilt.shp"; the run wants "12_solar_tilt.shp".
     const std::string pv = testsupport::tempDir("batch-failure");
     writePolygons(pv, "16_solar_tilt.shp", "ANNTILT", windRow({5.5, 6.2}));
-    struct Case { QStringList args; int code; const char* says; };
+    // A wind layer below the first class warns at selection.
+    const std::string weak = testsupport::tempDir("batch-weak");
+    writePolygons(weak, "20_wind.shp", "WINDPWRD", windRow({100, 150}));
+    // A protected-area field that the overlay's own search cannot compare.
+    const std::string badSearch = testsupport::tempDir("batch-bad-search");
+    writePolygons(badSearch, "20_wind.shp", "WINDPWRD", windRow({600}));
+    datagen::writeShapefile(badSearch + "/31_protectedarea.shp", datagen::GeomKind::Polygon, {{"FeatureID", 'C', 8}},
+                            {{rect(0, 0, 500, 500), {std::string("x")}}});
+    // Sixteen solar colours, two more than the Results Table window shows.
+    const std::string sixteen = solarDir("batch-sixteen", "14_solar_glo.shp", "ANNGLO",
+                                         {9.5, 1.0, 2.2, 2.7, 3.2, 3.7, 4.2, 4.7, 5.2, 5.7, 6.2, 6.7, 7.2, 7.7, 8.2, 8.7});
+    // Half of the one wind square is protected; roads, lines and land use cover all of it.
+    const std::string all = testsupport::tempDir("batch-all");
+    writePolygons(all, "20_wind.shp", "WINDPWRD", windRow({900}));
+    writePolygons(all, "31_protectedarea.shp", "ID", {{rect(0, 0, 500, 1000), 1}});
+    datagen::writeShapefile(all + "/02_landuse.shp", datagen::GeomKind::Polygon, {{"LAND_USE", 'C', 20}},
+                            {{rect(-5000, -5000, 10000, 10000), {std::string("GRASS")}}});
+    writeLines(all, "43_roads.shp", {"LINESTRING(-5000 500, 5000 500)"});
+    writeLines(all, "44_transmissionline.shp", {"LINESTRING(500 -5000, 500 5000)"});
+    const QStringList allQuery{q(all), "--query", "Best wind (all)", "--max", "Max", "--land-use", "GRASS",
+                               "--protected-areas"};
+    const QString lightGray = "The query results will be shown in light gray. Maximum Wind Power Density (150) is less than 200.";
+
+    struct Case { QStringList args; int code; QStringList says, rows; int rowCount = -1; };
     const Case cases[] = {
-        {{q(testsupport::dataset("small")), "--query", kWindQuery, "--min", "500", "--max", "500"}, 2,
-         "Max. Wind Power Density should be > Min. Wind Power Density"},
+        {{q(small), "--query", kWindQuery, "--min", "500", "--max", "500"}, 2,
+         {"Max. Wind Power Density should be > Min. Wind Power Density"}, {}},
         // The query's layer is missing: the selection is refused.
         {{q(testsupport::dataset("small", 1, {"43_roads.shp"})), "--query", "Best wind + roads", "--road-km", "2"}, 2,
-         "This query requires 43_roads.shp shapefile."},
+         {"This query requires 43_roads.shp shapefile."}, {}},
         {{q(pv), "--query", kSolarQuery, "--solar-resource", kPv10, "--min", "5", "--max", "7"}, 1,
-         " Error Source:md_query_functions2.solar_x_kwhm2_or_better() "},
+         {" Error Source:md_query_functions2.solar_x_kwhm2_or_better() "}, {}},
+        {{q(noLandUse), "--query", kWindQuery, "--min", "500", "--max", "Max"}, 1, {" Error Source:md_functions.LayerRenderer()"},
+         windowTable(noLandUse, kWindQuery, "500", "Max")},
+        // The window's own check refuses the press; the failure boxes before it decide.
+        {{q(noLandUse), "--query", "Best wind + land use"}, 1,
+         {" Error Source:md_functions.FillLandUseDropDown()", "Please select a land use."}, {}},
+        {{q(weak), "--query", kWindQuery, "--min", "0"}, 0, {lightGray}, {"230,230,230,2,Wind Power Density < 200"}},
+        {{q(badSearch), "--query", "Best wind - protected areas"}, 1, {"Error generated in while performing the query"}, {}},
+        {{q(sixteen), "--query", kSolarQuery, "--solar-resource", kGlobal10, "--min", "0", "--max", "10"}, 0,
+         {"Form will not be able to show all values"}, windowTable(sixteen, kSolarQuery, "0", "10", kGlobal10), 16},
+        {allQuery + QStringList{"keep"}, 0, {}, {"0,0,255,1,Wind Power Density >= 800"}},
+        {allQuery + QStringList{"remove"}, 0, {}, {"0,0,255,0.5,Wind Power Density >= 800"}},
     };
     for (const Case& c : cases) {
+        SCOPED_TRACE(c.args.join(' ').toStdString());
         const BatchRun r = batch(c.args + QStringList{"--quiet"});
-        EXPECT_EQ(r.code, c.code) << c.says;
-        EXPECT_TRUE(r.err.contains(c.says)) << r.err.toStdString();
-        EXPECT_TRUE(r.out.isEmpty()) << c.says;
+        EXPECT_EQ(r.code, c.code) << r.err.toStdString();
+        for (const QString& text : c.says) EXPECT_TRUE(r.err.contains(text)) << r.err.toStdString();
+        const QStringList out = lines(r.out);
+        EXPECT_EQ(out.mid(0, int(c.rows.size())), c.rows);
+        EXPECT_EQ(out.size(), c.rowCount < 0 ? c.rows.size() : c.rowCount);
     }
 }
 
@@ -143,6 +191,8 @@ TEST(Batch, UsageErrorsExitWithTwo)
         {{q(dir), "--query"}, "needs a value"},
         {{q(dir), "--query", kWindQuery, "--answer", "maybe"}, "--answer takes yes or no"},
         {{q(dir), "--query", kWindQuery, "--road-km", "2"}, "--road-km does not apply"},
+        {{q(dir), "--query", "Best wind (all)", "--protected-areas", "yes"}, "--protected-areas takes remove or keep"},
+        {{q(dir), "--query", kWindQuery, "--protected-areas", "keep"}, "applies to Best wind (all) only"},
         {{q(dir)}, "nothing to do"},
     };
     for (const Case& c : cases) {

@@ -6,11 +6,13 @@
 #include <QHash>
 #include <QStringDecoder>
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <mutex>
 #include <cpl_conv.h>
 #include <cpl_error.h>
 #include <cpl_string.h>
+#include <cpl_vsi.h>
 #include <gdal_priv.h>
 #include <ogr_feature.h>
 #include <ogr_geometry.h>
@@ -148,6 +150,7 @@ public:
         b.truncate(e);
         return b;
     }
+    QByteArray header() const { return data_.left(headerLen_); }
 
 private:
     struct FieldPos { QString name; char type; int offset; int length; };
@@ -156,20 +159,55 @@ private:
     std::vector<FieldPos> fields_;
 };
 
-QString decodeText(const QByteArray& b, const QString& encoding)
+// The encoding GDAL's shapefile driver gives the language-driver byte of a
+// .dbf header, asked of a copy of the header alone: with a .cpg beside the
+// file, even one that names nothing GDAL knows, the driver looks no further.
+QString languageDriverEncoding(QByteArray header)
 {
-    if (b.isEmpty()) return QString("");
-    if (!encoding.isEmpty() && encoding.compare("UTF-8", Qt::CaseInsensitive) != 0) {
-        char* utf8 = CPLRecode(b.constData(), encoding.toUtf8().constData(), CPL_ENC_UTF8);
+    if (header.size() < 32 || header[29] == 0) return {};
+    static std::atomic<int> serial{0};
+    const QByteArray name = "/vsimem/marlowan-ldid-" + QByteArray::number(++serial) + ".dbf";
+    for (int i = 4; i < 8; ++i) header[i] = 0;  // no records
+    VSILFILE* f = VSIFileFromMemBuffer(name.constData(), reinterpret_cast<GByte*>(header.data()),
+                                       vsi_l_offset(header.size()), FALSE);
+    if (!f) return {};
+    VSIFCloseL(f);
+    QString encoding;
+    {
+        const char* drivers[] = {"ESRI Shapefile", nullptr};
+        GDALDatasetUniquePtr ds(GDALDataset::Open(name.constData(), GDAL_OF_VECTOR | GDAL_OF_READONLY, drivers));
+        if (ds && ds->GetLayerCount() > 0)
+            encoding = QString::fromUtf8(ds->GetLayer(0)->GetMetadataItem("SOURCE_ENCODING", "SHAPEFILE") ?: "");
+    }
+    VSIUnlink(name.constData());
+    return encoding;
+}
+
+// Text as the encoding GDAL named decodes it, or Latin-1 where it named none.
+// Qt's decoders show a byte sequence that is invalid in its encoding as the
+// replacement character, where GDAL's recoder drops it; an encoding Qt does
+// not know goes through GDAL's recoder all the same.
+class TextDecoder {
+public:
+    explicit TextDecoder(const QString& encoding) : encoding_(encoding.toUtf8())
+    {
+        if (encoding.isEmpty()) decoder_ = QStringDecoder(QStringDecoder::Latin1, QStringDecoder::Flag::Stateless);
+        else decoder_ = QStringDecoder(encoding_.constData(), QStringDecoder::Flag::Stateless);
+    }
+    QString operator()(const QByteArray& b)
+    {
+        if (b.isEmpty()) return QString("");
+        if (decoder_.isValid()) return decoder_.decode(b);
+        char* utf8 = CPLRecode(b.constData(), encoding_.constData(), CPL_ENC_UTF8);
         QString s = QString::fromUtf8(utf8);
         CPLFree(utf8);
         return s;
     }
-    QStringDecoder dec(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    QString s = dec.decode(b);
-    if (dec.hasError()) return QString::fromLatin1(b);
-    return s;
-}
+
+private:
+    QByteArray encoding_;
+    QStringDecoder decoder_;
+};
 
 }  // namespace
 
@@ -285,6 +323,7 @@ std::vector<int> GeoDataset::select(const QString& expression) const
         int repeats = 0;
         for (; r < count(); ++r) {
             if (r == kTrial && repeats < kTrial / 8) break;
+            if (isDeleted(r)) continue;
             const QVariant& v = value(r, c);
             bool selected;
             if (!v.isValid() || v.isNull()) {
@@ -311,7 +350,7 @@ std::vector<int> GeoDataset::select(const QString& expression) const
         }
     }
     for (; r < count(); ++r)
-        if (evaluate(r)) out.push_back(r);
+        if (!isDeleted(r) && evaluate(r)) out.push_back(r);
     if (CPLGetLastErrorType() == CE_Failure) throw MapError("expression could not be evaluated");
     return out;
 }
@@ -321,6 +360,15 @@ std::vector<int> GeoDataset::select(const QString& expression) const
 GeoDataset::~GeoDataset() = default;
 
 QString GeoDataset::baseName() const { return QFileInfo(path_).completeBaseName(); }
+
+std::vector<int> GeoDataset::recordIds() const
+{
+    std::vector<int> ids;
+    ids.reserve(records_.size());
+    for (int i = 0; i < count(); ++i)
+        if (!isDeleted(i)) ids.push_back(i);
+    return ids;
+}
 
 int GeoDataset::fieldIndex(const QString& name) const
 {
@@ -361,7 +409,10 @@ GeoDatasetPtr GeoDataset::open(const QString& shpPath)
     OGRFeatureDefn* defn = layer->GetLayerDefn();
     DbfText dbfText;
     const bool haveDbf = dbfText.read(dbf);
-    const QString encoding = QString::fromUtf8(layer->GetMetadataItem("SOURCE_ENCODING", "SHAPEFILE") ?: "");
+    QString encoding = QString::fromUtf8(layer->GetMetadataItem("SOURCE_ENCODING", "SHAPEFILE") ?: "");
+    if (encoding.isEmpty() && haveDbf && !sibling(shpPath, "cpg").isEmpty())
+        encoding = languageDriverEncoding(dbfText.header());
+    TextDecoder decodeText(encoding);
     std::vector<int> dbfField;
     for (int i = 0; i < defn->GetFieldCount(); ++i) {
         OGRFieldDefn* fd = defn->GetFieldDefn(i);
@@ -381,19 +432,36 @@ GeoDatasetPtr GeoDataset::open(const QString& shpPath)
     }
     const size_t nf = d->fields_.size();
 
+    // The driver reads the .prj when a feature first asks for it; a file it
+    // cannot understand is reported then, and must not pass for a broken
+    // record. Such a layer has no coordinate system, as one without .prj.
+    layer->GetSpatialRef();
+    CPLErrorReset();
+
     auto h = geosContext();
-    const GIntBig expected = layer->GetFeatureCount(TRUE);
-    d->records_.reserve(size_t(std::max<GIntBig>(expected, 0)));
-    d->values_.reserve(size_t(std::max<GIntBig>(expected, 0)) * nf);
+    // The count is that of the file; the driver passes over the records the
+    // .dbf marks deleted, and their numbers stay empty slots here.
+    const GIntBig total = std::max<GIntBig>(layer->GetFeatureCount(TRUE), 0);
+    d->records_.reserve(size_t(total));
+    d->values_.reserve(size_t(total) * nf);
+    auto skipTo = [&](GIntBig fid) {
+        if (GIntBig(d->records_.size()) >= fid) return;
+        d->deleted_.resize(d->records_.size(), 0);
+        d->deleted_.resize(size_t(fid), 1);
+        d->records_.resize(size_t(fid));
+        d->values_.resize(size_t(fid) * nf);
+    };
     layer->ResetReading();
     for (OGRFeatureUniquePtr feat(layer->GetNextFeature()); feat; feat.reset(layer->GetNextFeature())) {
         if (CPLGetLastErrorType() == CE_Failure) return nullptr;
-        const int dbfRecord = int(feat->GetFID());
+        const GIntBig fid = feat->GetFID();
+        if (fid < GIntBig(d->records_.size())) return nullptr;  // not the file's own numbering
+        skipTo(fid);
         for (size_t c = 0; c < nf; ++c) {
             const int ci = int(c);
             const FieldDef& f = d->fields_[c];
             if (f.type == moString) {
-                if (dbfField[c] >= 0) d->values_.push_back(decodeText(dbfText.bytes(dbfRecord, dbfField[c]), encoding));
+                if (dbfField[c] >= 0) d->values_.push_back(decodeText(dbfText.bytes(int(fid), dbfField[c])));
                 else d->values_.push_back(feat->IsFieldSetAndNotNull(ci) ? QString::fromUtf8(feat->GetFieldAsString(ci)) : QString(""));
             } else if (!feat->IsFieldSetAndNotNull(ci)) {
                 d->values_.push_back(QVariant());
@@ -406,7 +474,9 @@ GeoDatasetPtr GeoDataset::open(const QString& shpPath)
             }
         }
         Record rec;
-        if (const OGRGeometry* g = feat->GetGeometryRef(); g && !g->IsEmpty()) {
+        if (OGRGeometry* g = feat->GetGeometryRef(); g && !g->IsEmpty()) {
+            // Z and M values are dropped: shapes are drawn and queried in the plane.
+            if (g->Is3D() || g->IsMeasured()) g->flattenTo2D();
             rec.type = shapeTypeOf(g->getGeometryType());
             if (GEOSGeometry* gg = g->exportToGEOS(h)) {
                 rec.geom = GeomPtr(gg, GeomDeleter());
@@ -418,9 +488,10 @@ GeoDatasetPtr GeoDataset::open(const QString& shpPath)
         }
         d->extent_.expand(rec.env);
         d->records_.push_back(std::move(rec));
+        if (!d->deleted_.empty()) d->deleted_.push_back(0);
     }
     if (CPLGetLastErrorType() == CE_Failure) return nullptr;
-    if (expected >= 0 && GIntBig(d->records_.size()) != expected) return nullptr;
+    skipTo(total);
     if (d->shapeType_ == moNullShape) {
         for (const Record& r : d->records_)
             if (r.type != moNullShape) { d->shapeType_ = r.type; break; }
