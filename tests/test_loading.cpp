@@ -276,9 +276,6 @@ TEST_F(Loading, AddLayerTakesOneFileUnstyledWithItsDirectoryAsTag)
     EXPECT_EQ(sDataDirectory, dir + "/gone/");
 }
 
-// Files as other tools leave them. Each case checks what the layer holds and
-// what a query gives on it, and that loading wrote to none of the files.
-
 QMap<QString, QByteArray> filesOf(const QString& dir)
 {
     QMap<QString, QByteArray> files;
@@ -289,151 +286,116 @@ QMap<QString, QByteArray> filesOf(const QString& dir)
     return files;
 }
 
-void patch(const QString& path, const std::function<void(QByteArray&)>& change)
+// Four wind features of a shape type, WINDPWRD 300, 500, 700 and 900, NAME " Caf__",
+// 2 km apart: squares, diagonals or centres.
+void writeWind(const std::string& dir, const std::string& shpt)
 {
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::ReadWrite));
-    QByteArray bytes = f.readAll();
-    change(bytes);
-    f.seek(0);
-    f.write(bytes);
-}
-
-// "Wind by Power Density" from 200 up in the window, as "red,green,blue,sq km" lines.
-QStringList windTable(const std::string& dir)
-{
-    qrun::panel(dir, qrun::kWindQuery, "200", "Max").cmdUpdateMap->click();
-    QStringList out;
-    if (const auto rows = QueryDataTable())
-        for (const QueryDataRow& r : *rows)
-            out << QString("%1,%2,%3,%4").arg(RedOf(r.color)).arg(GreenOf(r.color)).arg(BlueOf(r.color)).arg(r.area);
-    return out;
-}
-
-MapLayerPtr windLayer()
-{
-    const MapLayerPtr layer = cLayerIndex && cLayerIndex->contains("20_wind.shp")
-                                  ? frmMain().Map1->Layers().Item(cLayerIndex->Item("20_wind.shp")) : nullptr;
-    if (!layer) ADD_FAILURE() << "no wind layer";
-    return layer;
-}
-
-std::vector<int> idsOf(const RecordsetPtr& rs) { return rs ? rs->ids() : std::vector<int>{}; }
-
-TEST(RealFiles, DeletedRecordsKeepTheirNumbersAndAreNoFeatures)
-{
-    const std::string dir = testsupport::tempDir("deleted");
-    qf::writePolygons(dir, "20_wind.shp", "WINDPWRD", qf::windRow({300, 500, 700, 900}));
-    patch(q(dir) + "/20_wind.dbf", [](QByteArray& b) {
-        const int header = uchar(b[8]) | uchar(b[9]) << 8, record = uchar(b[10]) | uchar(b[11]) << 8;
-        b[header + record] = '*';  // the second record, 500
-    });
-    const auto before = filesOf(q(dir));
-    EXPECT_EQ(windTable(dir), (QStringList{"254,172,0,1", "255,0,0,1", "0,0,255,1"}));
-    const MapLayerPtr wind = windLayer();
-    ASSERT_TRUE(wind);
-    EXPECT_EQ(wind->Records()->ids(), (std::vector<int>{0, 2, 3}));
-    EXPECT_EQ(idsOf(wind->SearchExpression("FeatureID >= 0")), (std::vector<int>{0, 2, 3}));
-    wind->Visible = true;
-    EXPECT_EQ(IdentifyTextAt(2500, 500), "");  // the deleted square
-    EXPECT_TRUE(IdentifyTextAt(4500, 500).contains("WINDPWRD : 700")) << IdentifyTextAt(4500, 500).toStdString();
-    EXPECT_EQ(filesOf(q(dir)), before);
-}
-
-// A wind layer of two squares written as another shape type or with a
-// projection file that cannot be understood.
-TEST(RealFiles, ZAndMShapesReadAsPlaneShapesAndABadProjectionFileAsNone)
-{
-    struct Case { const char* type; std::vector<std::string> wkts; const char* prj; int shapeType; QStringList table; };
-    const QStringList both{"254,172,0,1", "154,50,205,1"};
-    const std::vector<std::string> squares{qf::rect(0, 0, 1000, 1000), qf::rect(2000, 0, 1000, 1000)};
-    const Case cases[] = {
-        {"POLYGONZ", {"POLYGON Z ((0 0 9,1000 0 9,1000 1000 9,0 1000 9,0 0 9))", squares[1]}, nullptr, moPolygon, both},
-        {"POLYGONM", squares, nullptr, moPolygon, both},
-        {"ARCZ", {"LINESTRING Z (0 0 5,1000 1000 7)", "LINESTRING (2000 0,3000 1000)"}, nullptr, moLine, {}},
-        {"POINTZ", {"POINT Z (500 500 3)", "POINT (3000 500)"}, nullptr, moPoint, {}},
-        {"MULTIPOINTM", {"MULTIPOINT M ((500 500 1),(600 500 2))", "MULTIPOINT ((3000 500))"}, nullptr, moPoint, {}},
-        {"POLYGON", squares, "PROJCS[\"WGS_1984_UTM_Zone_33N\",GEOGCS[\"GCS_WGS_1984\",DATUM[", moPolygon, both},
-        {"POLYGON", squares, "\x8f\x01PK\xff\xfe\x00garbage[[", moPolygon, both},
-        {"POLYGON", squares, "", moPolygon, both},
-    };
     GDALAllRegister();
-    int n = 0;
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::string(c.type) + (c.prj ? " with a bad .prj" : ""));
-        const std::string dir = testsupport::tempDir("typed" + std::to_string(n++));
-        {
-            GDALDatasetUniquePtr ds(GetGDALDriverManager()->GetDriverByName("ESRI Shapefile")
-                                        ->Create((dir + "/20_wind.shp").c_str(), 0, 0, 0, GDT_Unknown, nullptr));
-            const std::string shpt = std::string("SHPT=") + c.type;
-            const char* options[] = {shpt.c_str(), nullptr};
-            OGRLayer* layer = ds->CreateLayer("20_wind", nullptr, wkbUnknown, const_cast<char**>(options));
-            OGRFieldDefn field("WINDPWRD", OFTReal);
-            ASSERT_EQ(layer->CreateField(&field), OGRERR_NONE);
-            for (size_t i = 0; i < c.wkts.size(); ++i) {
-                OGRFeatureUniquePtr f(OGRFeature::CreateFeature(layer->GetLayerDefn()));
-                f->SetField(0, i == 0 ? 300.0 : 500.0);
-                OGRGeometry* g = nullptr;
-                OGRGeometryFactory::createFromWkt(c.wkts[i].c_str(), nullptr, &g);
-                f->SetGeometryDirectly(g);
-                ASSERT_EQ(layer->CreateFeature(f.get()), OGRERR_NONE);
-            }
-        }
-        QFile prj(q(dir) + "/20_wind.prj");
-        ASSERT_TRUE(prj.open(QIODevice::WriteOnly));
-        prj.write(c.prj ? QByteArray(c.prj) : QByteArray::fromStdString(datagen::esriPrjText()));
-        prj.close();
-        const auto before = filesOf(q(dir));
-        EXPECT_EQ(windTable(dir), c.table);
-        const MapLayerPtr wind = windLayer();
-        ASSERT_TRUE(wind);
-        EXPECT_EQ(wind->shapeType(), c.shapeType);
-        EXPECT_EQ(wind->CoordinateSystem() != nullptr, c.prj == nullptr);
-        EXPECT_EQ(wind->Records()->Count(), 2);
-        // Found where the plane coordinates put it; a Z is no distance.
-        EXPECT_EQ(idsOf(wind->SearchByDistance(std::make_shared<Point>(500, 500), 1, "")), std::vector<int>{0});
-        EXPECT_EQ(wind->GeoDataset()->envelope(1).maxX, 3000);
-        EXPECT_EQ(filesOf(q(dir)), before);
+    GDALDatasetUniquePtr ds(GetGDALDriverManager()->GetDriverByName("ESRI Shapefile")
+                                ->Create((dir + "/20_wind.shp").c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+    const std::string type = "SHPT=" + shpt;
+    const char* options[] = {type.c_str(), "ENCODING=UTF-8", nullptr};
+    OGRLayer* layer = ds->CreateLayer("20_wind", nullptr, wkbUnknown, const_cast<char**>(options));
+    OGRFieldDefn wind("WINDPWRD", OFTReal), name("NAME", OFTString);
+    name.SetWidth(10);
+    ASSERT_TRUE(layer->CreateField(&wind) == OGRERR_NONE && layer->CreateField(&name) == OGRERR_NONE);
+    for (int i = 0; i < 4; ++i) {
+        const std::string x = std::to_string(2000 * i), x1 = std::to_string(2000 * i + 1000);
+        const std::string centre = "(" + std::to_string(2000 * i + 500) + " 500)";
+        const std::string wkt = shpt.starts_with("POLYGON") ? qf::rect(2000 * i, 0, 1000, 1000)
+                                : shpt.starts_with("ARC")   ? "LINESTRING(" + x + " 0," + x1 + " 1000)"
+                                : shpt.starts_with("MULTI") ? "MULTIPOINT(" + centre + ")"
+                                                            : "POINT" + centre;
+        OGRFeatureUniquePtr f(OGRFeature::CreateFeature(layer->GetLayerDefn()));
+        f->SetField(0, 300.0 + 200 * i);
+        f->SetField(1, " Caf__");
+        OGRGeometry* g = nullptr;
+        OGRGeometryFactory::createFromWkt(wkt.c_str(), nullptr, &g);
+        f->SetGeometryDirectly(g);
+        ASSERT_EQ(layer->CreateFeature(f.get()), OGRERR_NONE);
     }
 }
 
-// Text is decoded by the .cpg, else by the language driver byte of the .dbf,
-// else as Latin-1; a sequence invalid in its encoding shows as U+FFFD.
-TEST(RealFiles, TextFieldsAreDecodedAsTheFilesSayWithLeadingBlanksKept)
+// Files as other tools leave them: the layer loads, holds what the file holds,
+// "Wind by Power Density" from 200 up gives the table, and no file is written.
+TEST(RealFiles, LayersLoadAsOtherToolsLeaveThem)
 {
-    struct Case { const char* cpg; char ldid; QByteArray bytes; QString text; };
+    using Spoil = std::function<void(QByteArray& dbf, QByteArray& cpg, QByteArray& prj)>;
+    // Text is decoded by the .cpg, else by the language driver byte, else as Latin-1;
+    // two bytes take the place of "__".
+    auto text = [](char ldid, const char* cpg, const QByteArray& bytes) -> Spoil {
+        return [=](QByteArray& dbf, QByteArray& c, QByteArray&) {
+            dbf[29] = ldid;
+            dbf.replace(" Caf__", " Caf" + bytes);
+            c = cpg ? QByteArray(cpg) : QByteArray();
+        };
+    };
+    auto prj = [](const QByteArray& bytes) -> Spoil { return [=](QByteArray&, QByteArray&, QByteArray& p) { p = bytes; }; };
+    const Spoil deleteSecond = [](QByteArray& dbf, QByteArray&, QByteArray&) {
+        dbf[(uchar(dbf[8]) | uchar(dbf[9]) << 8) + (uchar(dbf[10]) | uchar(dbf[11]) << 8)] = '*';
+    };
+    const QStringList all{"254,172,0,1", "154,50,205,1", "255,0,0,1", "0,0,255,1"};
+    const std::vector<int> four{0, 1, 2, 3};
+    struct Case { std::string shpt; Spoil spoil; QString name; QStringList table; std::vector<int> ids; bool srs = true; };
     const Case cases[] = {
-        {"UTF-8", 0, "\xc3\xa9!", QStringLiteral(" Caf\u00e9!")},
-        {"UTF-8", 0, "\xff!", QStringLiteral(" Caf\ufffd!")},
-        {"1252", 0x57, "\x80!", QStringLiteral(" Caf\u20ac!")},
-        {"ISO-8859-1", 0, "\xe9\x80", QStringLiteral(" Caf\u00e9\u0080")},
-        {"866", 0, "\x80!", QStringLiteral(" Caf\u0410!")},
-        {nullptr, 0x03, "\x80!", QStringLiteral(" Caf\u20ac!")},   // Windows-1252
-        {nullptr, 0x26, "\x80!", QStringLiteral(" Caf\u0410!")},   // code page 866
-        {"SOMETHING", 0x03, "\x80!", QStringLiteral(" Caf\u20ac!")},  // a .cpg that names nothing known
-        {nullptr, 0, "\xe9\x80", QStringLiteral(" Caf\u00e9\u0080")},  // Latin-1
+        // A deleted record keeps its number and is no feature.
+        {"POLYGON", deleteSecond, " Caf__", {"254,172,0,1", "255,0,0,1", "0,0,255,1"}, {0, 2, 3}},
+        // Z and M are dropped: drawn and queried as the plain types.
+        {"POLYGONZ", {}, " Caf__", all, four},
+        {"POLYGONM", {}, " Caf__", all, four},
+        {"ARCZ", {}, " Caf__", {}, four},
+        {"POINTZ", {}, " Caf__", {}, four},
+        {"MULTIPOINTM", {}, " Caf__", {}, four},
+        // A projection file that cannot be understood is none.
+        {"POLYGON", prj("PROJCS[\"WGS_1984_UTM_Zone_33N\",GEOGCS[\"GCS_WGS_1984\",DATUM["), " Caf__", all, four, false},
+        {"POLYGON", prj("\x8f\x01PK\xff\xfe garbage[["), " Caf__", all, four, false},
+        {"POLYGON", prj(""), " Caf__", all, four, false},
+        {"POLYGON", text(0, "UTF-8", "\xc3\xa9"), QStringLiteral(" Caf\u00e9"), all, four},
+        {"POLYGON", text(0, "UTF-8", "\xff!"), QStringLiteral(" Caf\ufffd!"), all, four},  // invalid: U+FFFD
+        {"POLYGON", text(0x57, "1252", "\x80!"), QStringLiteral(" Caf\u20ac!"), all, four},
+        {"POLYGON", text(0, "ISO-8859-1", "\xe9\x80"), QStringLiteral(" Caf\u00e9\u0080"), all, four},
+        {"POLYGON", text(0, "866", "\x80!"), QStringLiteral(" Caf\u0410!"), all, four},
+        {"POLYGON", text(0x03, nullptr, "\x80!"), QStringLiteral(" Caf\u20ac!"), all, four},  // Windows-1252
+        {"POLYGON", text(0x26, nullptr, "\x80!"), QStringLiteral(" Caf\u0410!"), all, four},  // code page 866
+        {"POLYGON", text(0x03, "SOMETHING", "\x80!"), QStringLiteral(" Caf\u20ac!"), all, four},
+        {"POLYGON", text(0, nullptr, "\xe9\x80"), QStringLiteral(" Caf\u00e9\u0080"), all, four},  // Latin-1
     };
     int n = 0;
     for (const Case& c : cases) {
         SCOPED_TRACE(n);
-        const std::string dir = testsupport::tempDir("text" + std::to_string(n++));
-        datagen::writeShapefile(dir + "/20_wind.shp", datagen::GeomKind::Polygon, {{"WINDPWRD", 'N', 10, 1}, {"NAME", 'C', 10}},
-                                {{qf::rect(0, 0, 1000, 1000), {300.0, std::string(" Caf__")}}});
-        patch(q(dir) + "/20_wind.dbf", [&](QByteArray& b) {
-            b[29] = c.ldid;
-            b.replace(" Caf__", " Caf" + c.bytes);
-        });
-        QFile::remove(q(dir) + "/20_wind.cpg");
-        if (c.cpg) {
-            QFile cpg(q(dir) + "/20_wind.cpg");
-            ASSERT_TRUE(cpg.open(QIODevice::WriteOnly));
-            cpg.write(c.cpg);
+        const std::string dir = testsupport::tempDir("real" + std::to_string(n++));
+        writeWind(dir, c.shpt);
+        QMap<QString, QByteArray> files = filesOf(q(dir));
+        files["20_wind.prj"] = QByteArray::fromStdString(datagen::esriPrjText());
+        if (c.spoil) c.spoil(files["20_wind.dbf"], files["20_wind.cpg"], files["20_wind.prj"]);
+        for (auto it = files.begin(); it != files.end(); ++it) {
+            QFile f(q(dir) + "/" + it.key());
+            if (it->isNull()) f.remove();
+            else ASSERT_TRUE(f.open(QIODevice::WriteOnly) && f.write(*it) == it->size());
         }
-        EXPECT_EQ(windTable(dir), QStringList{"254,172,0,1"});
-        const MapLayerPtr wind = windLayer();
-        ASSERT_TRUE(wind);
-        EXPECT_EQ(wind->GeoDataset()->value(0, 1).toString(), c.text);
-        EXPECT_EQ(idsOf(wind->SearchExpression("NAME = '" + c.text + "'")), std::vector<int>{0});
+        const auto before = filesOf(q(dir));
+
+        qrun::panel(dir, qrun::kWindQuery, "200", "Max").cmdUpdateMap->click();
+        QStringList table;
+        if (const auto rows = QueryDataTable())
+            for (const QueryDataRow& r : *rows)
+                table << QString("%1,%2,%3,%4").arg(RedOf(r.color)).arg(GreenOf(r.color)).arg(BlueOf(r.color)).arg(r.area);
+        EXPECT_EQ(table, c.table);
+        if (!cLayerIndex->contains("20_wind.shp")) {
+            ADD_FAILURE() << "the layer was passed over";
+            continue;
+        }
+        const MapLayerPtr wind = frmMain().Map1->Layers().Item(cLayerIndex->Item("20_wind.shp"));
+        EXPECT_EQ(wind->shapeType(), c.shpt.starts_with("POLYGON") ? moPolygon : c.shpt.starts_with("ARC") ? moLine : moPoint);
+        EXPECT_EQ(wind->CoordinateSystem() != nullptr, c.srs);
+        EXPECT_EQ(wind->Records()->ids(), c.ids);
+        const RecordsetPtr named = wind->SearchExpression("NAME = '" + c.name + "' AND FeatureID >= 0");
+        EXPECT_EQ(named ? named->ids() : std::vector<int>{}, c.ids);
+        EXPECT_EQ(wind->GeoDataset()->value(0, 1).toString(), c.name);
+        // Identify finds the second feature where the plane coordinates put it.
+        wind->Visible = true;
+        EXPECT_EQ(IdentifyTextAt(2500, 500).contains("WINDPWRD : 500"), c.ids == four);
+        EXPECT_EQ(filesOf(q(dir)), before);
     }
 }
 
