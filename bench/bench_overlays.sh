@@ -33,5 +33,5 @@ run "Best wind + land use" --land-use SHRUBLAND --land-use GRASSLAND --land-use 
     --land-use WETLAND --land-use FOREST --land-use MANGROVES
 run "Best wind + roads" --road-km 2 --answer yes
 run "Best wind + transmission" --transmission-km 2 --answer yes
-run "Best wind (all)" --road-km 2 --transmission-km 2 --answer yes --keep-protected --land-use SHRUBLAND --land-use GRASSLAND --land-use "HUMID AREAS" \
+run "Best wind (all)" --road-km 2 --transmission-km 2 --answer yes --protected-areas keep --land-use SHRUBLAND --land-use GRASSLAND --land-use "HUMID AREAS" \
     --land-use WETLAND --land-use FOREST --land-use MANGROVES

@@ -1,11 +1,13 @@
 // marlowan-batch run as a process: its table equals the one the window
-// computes, refusals and usage errors exit with 2, failures with 1, and the
-// question of a long buffer run takes the answer of --answer.
+// computes; it goes on after boxes as the window does; any failure box gives
+// status 1, refusals and usage errors 2.
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QProcess>
 #include <QRegularExpression>
+#include <algorithm>
 
 #include "mapping/symbol.h"
 #include "query_fixture.h"
@@ -15,10 +17,7 @@ using namespace qrun;
 
 namespace {
 
-struct BatchRun {
-    int code = -1;
-    QString out, err;
-};
+struct BatchRun { int code = -1; QString out, err; };
 
 BatchRun batch(const QStringList& args)
 {
@@ -27,10 +26,7 @@ BatchRun batch(const QStringList& args)
         ADD_FAILURE() << "build the marlowan-batch target first";
         return {};
     }
-    QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("QT_QPA_PLATFORM", "offscreen");
-    p.setProcessEnvironment(env);
+    QProcess p;  // with the test's environment, offscreen
     p.start(bin, args);
     p.waitForFinished(-1);
     return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
@@ -42,17 +38,11 @@ QStringList windowTable(const std::string& dir, const QString& query, const QStr
                         const QString& resource = {})
 {
     panel(dir, query, min, max, resource).cmdUpdateMap->click();
-    const auto rows = QueryDataTable();
-    if (!rows) return {"failed"};
-    QStringList lines;
-    for (const QueryDataRow& r : *rows)
-        lines << QString("%1,%2,%3,%4,%5")
-                     .arg(RedOf(r.color))
-                     .arg(GreenOf(r.color))
-                     .arg(BlueOf(r.color))
-                     .arg(QString::number(r.area, 'g', 17))
-                     .arg(r.description);
-    return lines;
+    QStringList out;
+    for (const QueryDataRow& r : QueryDataTable().value_or(std::vector<QueryDataRow>{}))
+        out << QString("%1,%2,%3,%4,%5").arg(RedOf(r.color)).arg(GreenOf(r.color)).arg(BlueOf(r.color))
+                   .arg(QString::number(r.area, 'g', 17), r.description);
+    return out;
 }
 
 QStringList lines(const QString& text) { return text.split('\n', Qt::SkipEmptyParts); }
@@ -60,21 +50,6 @@ QStringList lines(const QString& text) { return text.split('\n', Qt::SkipEmptyPa
 QString q(const std::string& s) { return QString::fromStdString(s); }
 
 }  // namespace
-
-TEST(Batch, WindRangeTableEqualsTheWindowsTable)
-{
-    const std::string dir = testsupport::dataset("small");
-    const BatchRun r = batch({q(dir), "--query", kWindQuery, "--min", "200", "--max", "Max", "--quiet"});
-    ASSERT_EQ(r.code, 0) << r.err.toStdString();
-    EXPECT_FALSE(r.err.contains("Calculating")) << "--quiet keeps progress off stderr";
-
-    const QStringList expected = windowTable(dir, kWindQuery, "200", "Max");
-    ASSERT_GE(expected.size(), 5);  // the generated wind data reaches every class from 200
-    EXPECT_EQ(lines(r.out), expected);
-    // Values of exactly 200 and 800 lie in the data: their classes are there.
-    EXPECT_EQ(expected.filter(QRegularExpression("^222,184,135,.*,Wind Power Density >= 200 and < 300$")).size(), 1);
-    EXPECT_EQ(expected.filter(QRegularExpression("^0,0,255,.*,Wind Power Density >= 800$")).size(), 1);
-}
 
 TEST(Batch, SolarRangeTableToAFileWithProgressTimingAndMap)
 {
@@ -98,72 +73,99 @@ TEST(Batch, SolarRangeTableToAFileWithProgressTimingAndMap)
     EXPECT_EQ(lines(QString::fromUtf8(file.readAll())), expected);
 
     // The picture holds the colour of the first row.
-    QImage image(png);
-    ASSERT_FALSE(image.isNull());
+    const QImage image = QImage(png).convertToFormat(QImage::Format_RGB32);
     const QStringList first = expected.first().split(',');
-    const QRgb want = qRgb(first[0].toInt(), first[1].toInt(), first[2].toInt());
-    bool found = false;
-    for (int y = 0; y < image.height() && !found; ++y)
-        for (int x = 0; x < image.width() && !found; ++x) found = (image.pixel(x, y) & 0xFFFFFF) == (want & 0xFFFFFF);
-    EXPECT_TRUE(found);
+    const auto* pixels = reinterpret_cast<const QRgb*>(image.constBits());
+    const auto* end = pixels + image.sizeInBytes() / 4;
+    EXPECT_NE(std::find(pixels, end, qRgb(first[0].toInt(), first[1].toInt(), first[2].toInt())), end);
 }
 
-TEST(Batch, RefusalsExitWithTwoAndFailuresWithOneWithTheirOwnTexts)
+// A box at load or at selection does not end the run; any failure box makes
+// the status 1, also with a table written; a refusal or a usage error gives 2.
+TEST(Batch, GoesOnAfterBoxesAndExitsOneAfterAnyFailureBoxElseTwoForRefusalsAndUsage)
 {
+    // The land-use layer has no LAND_USE: its renderer fails at load, its list at selection.
+    const std::string noLandUse = testsupport::tempDir("batch-no-land-use");
+    const std::string small = testsupport::dataset("small");
+    for (const QString& file : QDir(q(small)).entryList(QDir::Files)) {
+        QFile in(q(small) + "/" + file), out(q(noLandUse) + "/" + file);
+        ASSERT_TRUE(in.open(QIODevice::ReadOnly) && out.open(QIODevice::WriteOnly));
+        out.write(file == "02_landuse.dbf" ? in.readAll().replace("LAND_USE", "LAND_USX") : in.readAll());
+    }
+    // A wind layer below the first class warns at each selection of a wind query.
+    const std::string weak = testsupport::tempDir("batch-weak");
+    writePolygons(weak, "20_wind.shp", "WINDPWRD", windRow({100, 150}));
     // The availability check finds "16_solar_tilt.shp"; the run wants "12_solar_tilt.shp".
-    const std::string pv = testsupport::tempDir("batch-failure");
-    writePolygons(pv, "16_solar_tilt.shp", "ANNTILT", windRow({5.5, 6.2}));
-    struct Case { QStringList args; int code; const char* says; };
-    const Case cases[] = {
-        {{q(testsupport::dataset("small")), "--query", kWindQuery, "--min", "500", "--max", "500"}, 2,
-         "Max. Wind Power Density should be > Min. Wind Power Density"},
-        // The query's layer is missing: the selection is refused.
-        {{q(testsupport::dataset("small", 1, {"43_roads.shp"})), "--query", "Best wind + roads", "--road-km", "2"}, 2,
-         "This query requires 43_roads.shp shapefile."},
-        {{q(pv), "--query", kSolarQuery, "--solar-resource", kPv10, "--min", "5", "--max", "7"}, 1,
-         " Error Source:md_query_functions2.solar_x_kwhm2_or_better() "},
-    };
-    for (const Case& c : cases) {
-        const BatchRun r = batch(c.args + QStringList{"--quiet"});
-        EXPECT_EQ(r.code, c.code) << c.says;
-        EXPECT_TRUE(r.err.contains(c.says)) << r.err.toStdString();
-        EXPECT_TRUE(r.out.isEmpty()) << c.says;
-    }
-}
-
-TEST(Batch, UsageErrorsExitWithTwo)
-{
-    const std::string dir = testsupport::tempDir("batch-usage");
-    writePolygons(dir, "20_wind.shp", "WINDPWRD", windRow({300, 500}));
-    struct Case { QStringList args; const char* says; };
-    const Case cases[] = {
-        {{q(dir), "--query", kWindQuery, "--speed", "fast"}, "unknown option --speed"},
-        {{q(dir), "--query", "Wind by Power"}, "unknown query \"Wind by Power\""},
-        {{q(dir + "/nowhere"), "--query", kWindQuery}, "no such dataset directory"},
-        {{q(dir), "--query"}, "needs a value"},
-        {{q(dir), "--query", kWindQuery, "--answer", "maybe"}, "--answer takes yes or no"},
-        {{q(dir), "--query", kWindQuery, "--road-km", "2"}, "--road-km does not apply"},
-        {{q(dir)}, "nothing to do"},
-    };
-    for (const Case& c : cases) {
-        const BatchRun r = batch(c.args);
-        EXPECT_EQ(r.code, 2) << c.says;
-        EXPECT_TRUE(r.err.contains(c.says)) << r.err.toStdString();
-        EXPECT_TRUE(r.err.contains("usage: marlowan-batch DATASET_DIR --query NAME")) << c.says;
-        EXPECT_TRUE(r.out.isEmpty());
-    }
-}
-
-TEST(Batch, AnswerNoToTheLongBufferQuestionGivesAnEmptyTable)
-{
-    const std::string dir = testsupport::tempDir("batch-question");
-    writePolygons(dir, "20_wind.shp", "WINDPWRD", windRow({500, 600}));
+    writePolygons(weak, "16_solar_tilt.shp", "ANNTILT", windRow({5.5, 6.2}));
+    // A protected-area field that the overlay's own search cannot compare.
+    datagen::writeShapefile(weak + "/31_protectedarea.shp", datagen::GeomKind::Polygon, {{"FeatureID", 'C', 8}},
+                            {{rect(0, 0, 500, 500), {std::string("x")}}});
+    // Enough roads that the buffer run asks first.
     std::vector<std::string> roads;
     for (int i = 0; i < 400; ++i)
         roads.push_back("LINESTRING(" + std::to_string(i * 100) + " -3000, " + std::to_string(i * 100 + 50) + " -3000)");
-    writeLines(dir, "43_roads.shp", roads);
-    const BatchRun r = batch({q(dir), "--query", "Best wind + roads", "--road-km", "2", "--answer", "no", "--quiet"});
-    EXPECT_EQ(r.code, 0) << r.err.toStdString();
-    EXPECT_TRUE(r.err.contains("This query may take few minutes to complete. Do you want to proceed?")) << r.err.toStdString();
-    EXPECT_TRUE(r.out.isEmpty());
+    writeLines(weak, "43_roads.shp", roads);
+    // Sixteen solar colours, two more than the Results Table window shows.
+    const std::string sixteen = solarDir("batch-sixteen", "14_solar_glo.shp", "ANNGLO",
+                                         {9.5, 1.0, 2.2, 2.7, 3.2, 3.7, 4.2, 4.7, 5.2, 5.7, 6.2, 6.7, 7.2, 7.7, 8.2, 8.7});
+    // Half of the one wind square is protected; roads, lines and land use cover all of it.
+    const std::string all = testsupport::tempDir("batch-all");
+    writePolygons(all, "20_wind.shp", "WINDPWRD", windRow({900}));
+    writePolygons(all, "31_protectedarea.shp", "ID", {{rect(0, 0, 500, 1000), 1}});
+    datagen::writeShapefile(all + "/02_landuse.shp", datagen::GeomKind::Polygon, {{"LAND_USE", 'C', 20}},
+                            {{rect(-5000, -5000, 10000, 10000), {std::string("GRASS")}}});
+    writeLines(all, "43_roads.shp", {"LINESTRING(-5000 500, 5000 500)"});
+    writeLines(all, "44_transmissionline.shp", {"LINESTRING(500 -5000, 500 5000)"});
+    const QStringList allQuery{q(all), "--query", "Best wind (all)", "--max", "Max", "--land-use", "GRASS",
+                               "--protected-areas"};
+    const QString lightGray =
+        "The query results will be shown in light gray. Maximum Wind Power Density (150) is less than 200.";
+    const QString usage = "usage: marlowan-batch DATASET_DIR --query NAME";
+
+    struct Case { QStringList args; int code; QStringList says, rows; int rowCount = -1; };
+    const Case cases[] = {
+        {{q(small), "--query", kWindQuery, "--min", "200", "--max", "Max"}, 0, {},
+         windowTable(small, kWindQuery, "200", "Max")},
+        {{q(weak), "--query", "Best wind + roads", "--answer", "no"}, 0,
+         {"This query may take few minutes to complete. Do you want to proceed?"}, {}},
+        {{q(small), "--query", kWindQuery, "--min", "500", "--max", "500"}, 2,
+         {"Max. Wind Power Density should be > Min. Wind Power Density"}, {}},
+        // The query's layer is missing: the selection is refused.
+        {{q(testsupport::dataset("small", 1, {"43_roads.shp"})), "--query", "Best wind + roads", "--road-km", "2"}, 2,
+         {"This query requires 43_roads.shp shapefile."}, {}},
+        {{q(weak), "--query", kSolarQuery, "--solar-resource", kPv10, "--min", "5", "--max", "7"}, 1,
+         {" Error Source:md_query_functions2.solar_x_kwhm2_or_better() "}, {}},
+        {{q(noLandUse), "--query", kWindQuery, "--min", "500", "--max", "Max"}, 1,
+         {" Error Source:md_functions.LayerRenderer()"}, windowTable(noLandUse, kWindQuery, "500", "Max")},
+        // The window's own check refuses the press; the failure boxes before it decide.
+        {{q(noLandUse), "--query", "Best wind + land use"}, 1,
+         {" Error Source:md_functions.FillLandUseDropDown()", "Please select a land use."}, {}},
+        {{q(weak), "--query", kWindQuery, "--min", "0"}, 0, {lightGray}, {"230,230,230,2,Wind Power Density < 200"}},
+        {{q(weak), "--query", "Best wind - protected areas"}, 1, {lightGray, "Error generated in while performing the query"},
+         {}},
+        {{q(sixteen), "--query", kSolarQuery, "--solar-resource", kGlobal10, "--min", "0", "--max", "10"}, 0,
+         {"Form will not be able to show all values"}, windowTable(sixteen, kSolarQuery, "0", "10", kGlobal10), 16},
+        {allQuery + QStringList{"keep"}, 0, {}, {"0,0,255,1,Wind Power Density >= 800"}},
+        {allQuery + QStringList{"remove"}, 0, {}, {"0,0,255,0.5,Wind Power Density >= 800"}},
+        {{q(weak), "--query", kWindQuery, "--speed", "fast"}, 2, {"unknown option --speed", usage}, {}},
+        {{q(weak), "--query", "Wind by Power"}, 2, {"unknown query \"Wind by Power\"", usage}, {}},
+        {{q(weak + "/nowhere"), "--query", kWindQuery}, 2, {"no such dataset directory", usage}, {}},
+        {{q(weak), "--query", kWindQuery, "--answer", "maybe"}, 2, {"--answer takes yes or no", usage}, {}},
+        {{q(weak), "--query", kWindQuery, "--road-km", "2"}, 2, {"--road-km does not apply", usage}, {}},
+        {{q(weak), "--query", "Best wind (all)", "--protected-areas", "yes"}, 2, {"takes remove or keep", usage}, {}},
+        {{q(weak), "--query", kWindQuery, "--protected-areas", "keep"}, 2, {"to Best wind (all) only", usage}, {}},
+        {{q(weak), "--query", kSolarQuery, "--solar-resource", "Sun"}, 2, {"no solar resource \"Sun\"", usage}, {}},
+        {{q(weak), "--query"}, 2, {"needs a value", usage}, {}},
+        {{q(weak)}, 2, {"nothing to do", usage}, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args.join(' ').toStdString());
+        const BatchRun r = batch(QStringList{"--quiet"} + c.args);
+        EXPECT_EQ(r.code, c.code) << r.err.toStdString();
+        EXPECT_FALSE(r.err.contains("Calculating")) << "--quiet keeps progress off stderr";
+        for (const QString& text : c.says) EXPECT_TRUE(r.err.contains(text)) << r.err.toStdString();
+        const QStringList out = lines(r.out);
+        EXPECT_EQ(out.mid(0, int(c.rows.size())), c.rows);
+        EXPECT_EQ(out.size(), c.rowCount < 0 ? c.rows.size() : c.rowCount);
+    }
 }

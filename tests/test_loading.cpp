@@ -2,10 +2,15 @@
 // user is told when the directory or its files are not as expected.
 #include <QDir>
 #include <QFile>
+#include <gdal_priv.h>
+#include <ogrsf_frmts.h>
 
+#include "info/frmInfo.h"
 #include "mainwindow_fixture.h"
 #include "mapping/legend.h"
 #include "mapping/map.h"
+#include "query_fixture.h"
+#include "results/frmShowQueryData.h"
 
 using namespace fixture;
 using testsupport::recorder;
@@ -23,30 +28,9 @@ protected:
     Map* map() { return main->Map1; }
 };
 
-TEST_F(Loading, FullDatasetStacksByNameWithCitiesOnTopAndIndexesEveryTag)
-{
-    const QString dir = q(testsupport::dataset());
-    loadDirectory(dir);
-
-    EXPECT_NO_BOXES();
-    ASSERT_EQ(map()->Layers().Count(), 28);
-    EXPECT_EQ(map()->Layers().Item(0)->Tag, "59_cities.shp");
-    EXPECT_EQ(map()->Layers().Item(27)->Tag, "01_elevation.shp");
-    EXPECT_EQ(map()->Layers().Item(17)->Tag, "20_wind.shp");
-    for (int i = 0; i < 28; ++i)
-        EXPECT_EQ(cLayerIndex->Item(map()->Layers().Item(i)->Tag), i);
-    EXPECT_EQ(cLayerIndex->Count(), 28);
-    EXPECT_EQ(sDataDirectory, dir + "/");
-    ASSERT_TRUE(oDataConnection);
-    EXPECT_EQ(oDataConnection->Database, sDataDirectory);
-    EXPECT_EQ(main->legend->entryCount(), 28);
-    // Styled by the presentation table: the display name, not the file name.
-    EXPECT_EQ(map()->Layers().Item(0)->Name, "Cities");
-}
-
-// The limit message needs all 28 standard files and a further entry listed
-// behind the last of them; the further entry itself is never looked at.
-TEST_F(Loading, LayerLimitMessageOnlyWhenAnEntryFollowsTheTwentyEighthLayer)
+// The full dataset loads; the limit message needs all 28 standard files and a
+// further entry listed behind the last of them, which is never looked at.
+TEST_F(Loading, FullDatasetStacksByNameAndTheLimitMessageOnlyWhenAnEntryFollowsTheTwentyEighthLayer)
 {
     struct Case { const char* extra; bool message; };
     const Case cases[] = {
@@ -62,14 +46,17 @@ TEST_F(Loading, LayerLimitMessageOnlyWhenAnEntryFollowsTheTwentyEighthLayer)
         if (c.extra)
             writeFeatures(QDir(dir).filePath(QString(c.extra) + ".shp").toStdString(), 1);
         loadDirectory(dir);
-        EXPECT_EQ(frmMain().Map1->Layers().Count(), 28);
-        if (c.message) {
-            ASSERT_EQ(recorder().boxes.size(), 1u);
-            EXPECT_EQ(recorder().boxes[0].text, kLimitText);
-            EXPECT_EQ(recorder().boxes[0].icon, seam::Icon::None);
-        } else {
-            EXPECT_NO_BOXES();
-        }
+        // Stacked by name with the cities on top, every tag indexed, styled by the presentation table.
+        const LayersCollection& layers = frmMain().Map1->Layers();
+        ASSERT_EQ(layers.Count(), 28);
+        EXPECT_EQ((QStringList{layers.Item(0)->Tag, layers.Item(17)->Tag, layers.Item(27)->Tag}),
+                  (QStringList{"59_cities.shp", "20_wind.shp", "01_elevation.shp"}));
+        for (int i = 0; i < 28; ++i) EXPECT_EQ(cLayerIndex->Item(layers.Item(i)->Tag), i);
+        EXPECT_EQ(layers.Item(0)->Name, "Cities");
+        EXPECT_EQ(sDataDirectory, dir + "/");
+        EXPECT_EQ(oDataConnection ? oDataConnection->Database : QString(), sDataDirectory);
+        EXPECT_EQ(recorder().texts(), c.message ? QStringList{kLimitText} : QStringList());
+        if (c.message && !recorder().boxes.empty()) EXPECT_EQ(recorder().boxes[0].icon, seam::Icon::None);
         // The layers that are in are indexed and the legend is rebuilt all the same.
         EXPECT_EQ(cLayerIndex->Count(), 28);
         EXPECT_EQ(frmMain().legend->entryCount(), 28);
@@ -91,17 +78,12 @@ TEST_F(Loading, RefusedConnectionOrNoShapefilesKeepTheLegendAndNoStandardFileEmp
     EXPECT_EQ(map()->Layers().Count(), 0);
     EXPECT_EQ(cLayerIndex->Count(), 0);
     EXPECT_EQ(sDataDirectory, missing + "/");
-    ASSERT_TRUE(oDataConnection);
-    EXPECT_EQ(oDataConnection->Database, missing + "/");
+    EXPECT_EQ(oDataConnection ? oDataConnection->Database : QString(), missing + "/");
     EXPECT_EQ(main->legend->entryCount(), 28);
     recorder().clear();
 
     // No .shp at all: the legend stays as it was.
-    const QString empty = q(testsupport::tempDir("no-shp"));
-    QFile txt(QDir(empty).filePath("readme.txt"));
-    ASSERT_TRUE(txt.open(QIODevice::WriteOnly));
-    txt.close();
-    loadDirectory(empty);
+    loadDirectory(q(testsupport::tempDir("no-shp")));
     EXPECT_NO_BOXES();
     EXPECT_EQ(map()->Layers().Count(), 0);
     EXPECT_EQ(main->legend->entryCount(), 28);
@@ -132,33 +114,14 @@ TEST_F(Loading, NameCaseIsIgnoredForLoadingButTheTagKeepsTheListedName)
         QFile::rename(QDir(dir).filePath("20_wind." + ext), QDir(dir).filePath("20_WIND." + ext.toUpper()));
 
     loadDirectory(dir);
-    ASSERT_EQ(map()->Layers().Count(), 1);
-    const MapLayerPtr layer = map()->Layers().Item(0);
-    EXPECT_EQ(layer->Tag, "20_WIND.SHP");
+    ASSERT_EQ(tags(map()), QStringList{"20_WIND.SHP"});
     // The exact-case default would hide the wind layer; this one keeps showing.
-    EXPECT_TRUE(layer->Visible);
+    EXPECT_TRUE(map()->Layers().Item(0)->Visible);
     EXPECT_EQ(cLayerIndex->Item("20_wind.shp"), 0);
     EXPECT_NO_BOXES();
 }
 
-TEST_F(Loading, UnreadableFilesArePassedOverWithoutAMessageAndANonStyledFileKeepsTheComponentsName)
-{
-    const QString dir = q(testsupport::tempDir("broken"));
-    writeFeaturesIn(dir, "21_wind.shp", 4);
-    QFile bad(QDir(dir).filePath("43_roads.shp"));
-    ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
-    bad.write("this is not a shapefile at all");
-    bad.close();
-
-    loadDirectory(dir);
-    EXPECT_NO_BOXES();
-    EXPECT_EQ(tags(map()), QStringList{"21_wind.shp"});
-    EXPECT_FALSE(cLayerIndex->contains("43_roads.shp"));
-    EXPECT_EQ(map()->Layers().Item(0)->Name, "21_wind");
-    EXPECT_TRUE(map()->Layers().Item(0)->Visible);
-}
-
-TEST_F(Loading, ASecondLoadReplacesTheLayersAndLeavesTheResultsAlone)
+TEST_F(Loading, ASecondLoadReplacesTheLayersPassesOverUnreadableFilesAndLeavesTheResultsAlone)
 {
     loadDirectory(q(testsupport::dataset()));
     auto results = std::make_shared<Collection<ShapePtr>>();
@@ -168,13 +131,21 @@ TEST_F(Loading, ASecondLoadReplacesTheLayersAndLeavesTheResultsAlone)
     cSymbols->Add(std::make_shared<Symbol>(), "0");
     main->bFirstQuery = false;
 
+    // A file that cannot be read is passed over without a message.
     const QString dir = q(testsupport::tempDir("second"));
-    writeFeaturesIn(dir, "39_countryboundary.shp", 1);
+    writeFeaturesIn(dir, "21_wind.shp", 4);
     writeFeaturesIn(dir, "51_powerplant.shp", 2, datagen::GeomKind::Point);
+    QFile bad(QDir(dir).filePath("43_roads.shp"));
+    ASSERT_TRUE(bad.open(QIODevice::WriteOnly) && bad.write("this is not a shapefile at all") > 0);
+    bad.close();
     loadDirectory(dir);
 
-    EXPECT_EQ(tags(map()), (QStringList{"51_powerplant.shp", "39_countryboundary.shp"}));
+    EXPECT_NO_BOXES();
+    EXPECT_EQ(tags(map()), (QStringList{"51_powerplant.shp", "21_wind.shp"}));
     EXPECT_EQ(cLayerIndex->Count(), 2);
+    // A standard file without a style keeps the component's name and shows.
+    EXPECT_EQ(map()->Layers().Item(1)->Name, "21_wind");
+    EXPECT_TRUE(map()->Layers().Item(1)->Visible);
     EXPECT_EQ(cShapes, results);
     EXPECT_EQ(cShapes->Count(), 1);
     EXPECT_FALSE(main->bFirstQuery);
@@ -207,17 +178,15 @@ TEST_F(Loading, ThePickedNameCutsThePathAnEmptyOneOnlyClearsTheMapAndOneNotInThe
     EXPECT_EQ(map()->Layers().Count(), 0);
 }
 
-TEST_F(Loading, OpenDatasetAsksForAShapefileAndUsesOnlyItsDirectory)
+TEST_F(Loading, OpenDatasetUsesOnlyTheDirectoryOfThePickAndAddLayerTakesOneFileUnstyled)
 {
     sDataDirectory = "/start/here";
     main->mnuOpen_Click();  // the recorder cancels
     ASSERT_EQ(recorder().fileRequests.size(), 1u);
     const seam::FileRequest& r = recorder().fileRequests[0];
     EXPECT_FALSE(r.save);
-    EXPECT_EQ(r.title, "Open Dataset");
-    EXPECT_EQ(r.filter, "ESRI Shapefiles (*.shp)|*.shp");
-    EXPECT_EQ(r.defaultExt, ".shp");
-    EXPECT_EQ(r.initialDir, "/start/here");
+    EXPECT_EQ((QStringList{r.title, r.filter, r.defaultExt, r.initialDir}),
+              (QStringList{"Open Dataset", "ESRI Shapefiles (*.shp)|*.shp", ".shp", "/start/here"}));
 
     // Any file of the directory will do, also one that is not standard.
     const QString dir = q(testsupport::tempDir("open"));
@@ -235,31 +204,26 @@ TEST_F(Loading, OpenDatasetAsksForAShapefileAndUsesOnlyItsDirectory)
     EXPECT_EQ(tags(map()), QStringList{"38_subcountrybnd1.shp"});
     EXPECT_EQ(sDataDirectory, dir + "/");
     EXPECT_EQ(cLayerIndex, index);
-}
 
-TEST_F(Loading, AddLayerTakesOneFileUnstyledWithItsDirectoryAsTag)
-{
-    const QString dir = q(testsupport::tempDir("add"));
-    writeFeaturesIn(dir, "parcels.shp", 2);
-
+    // Add Layer puts the file on top, unstyled, with its directory as tag and unindexed.
+    recorder().clear();
     recorder().files.push_back(testsupport::fileAnswer(QDir(dir).filePath("parcels.shp")));
     main->mnuAdd_Click();
     ASSERT_EQ(recorder().fileRequests.size(), 1u);
-    EXPECT_EQ(recorder().fileRequests[0].title, "Add Layer");
-    EXPECT_EQ(recorder().fileRequests[0].filter, "*.shp");
-    EXPECT_EQ(recorder().fileRequests[0].defaultExt, "shp");
-    ASSERT_EQ(map()->Layers().Count(), 1);
+    EXPECT_EQ((QStringList{recorder().fileRequests[0].title, recorder().fileRequests[0].filter, recorder().fileRequests[0].defaultExt}),
+              (QStringList{"Add Layer", "*.shp", "shp"}));
+    ASSERT_EQ(map()->Layers().Count(), 2);
     EXPECT_EQ(map()->Layers().Item(0)->Name, "parcels.shp");
     EXPECT_EQ(map()->Layers().Item(0)->Tag, dir + "/");
-    EXPECT_EQ(cLayerIndex->Count(), 0);
-    EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text(), "parcels.shp; ");  // it ends with an update of the interface
+    EXPECT_EQ(cLayerIndex->Count(), 1);
+    EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().startsWith("parcels.shp; "));  // it ends with an update of the interface
     EXPECT_NO_BOXES();
 
     // A name that cannot be opened.
     recorder().files.push_back(testsupport::fileAnswer(QDir(dir).filePath("ghost.shp")));
     main->mnuAdd_Click();
     EXPECT_EQ(recorder().texts(), QStringList{"Error opening shapefile ghost.shp"});
-    EXPECT_EQ(map()->Layers().Count(), 1);
+    EXPECT_EQ(map()->Layers().Count(), 2);
 
     // A directory that is not there.
     recorder().clear();
@@ -269,6 +233,111 @@ TEST_F(Loading, AddLayerTakesOneFileUnstyledWithItsDirectoryAsTag)
     EXPECT_EQ(recorder().boxes[0].text, "Data Connection error #1");
     EXPECT_EQ(recorder().boxes[0].icon, seam::Icon::Exclamation);
     EXPECT_EQ(sDataDirectory, dir + "/gone/");
+}
+
+QMap<QString, QByteArray> filesOf(const QString& dir)
+{
+    QMap<QString, QByteArray> files;
+    for (const QFileInfo& fi : QDir(dir).entryInfoList(QDir::Files))
+        if (QFile f(fi.filePath()); f.open(QIODevice::ReadOnly)) files[fi.fileName()] = f.readAll();
+    return files;
+}
+
+// Four wind features of a shape type, WINDPWRD 300, 500, 700 and 900, NAME " Caf__",
+// 2 km apart: squares, lines from their centres or the centres.
+void writeWind(const std::string& dir, const std::string& shpt)
+{
+    GDALAllRegister();
+    GDALDatasetUniquePtr ds(GetGDALDriverManager()->GetDriverByName("ESRI Shapefile")
+                                ->Create((dir + "/20_wind.shp").c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+    const std::string type = "SHPT=" + shpt;
+    const char* options[] = {type.c_str(), "ENCODING=UTF-8", nullptr};
+    OGRLayer* layer = ds->CreateLayer("20_wind", nullptr, wkbUnknown, const_cast<char**>(options));
+    OGRFieldDefn wind("WINDPWRD", OFTReal), name("NAME", OFTString);
+    ASSERT_TRUE(layer->CreateField(&wind) == OGRERR_NONE && layer->CreateField(&name) == OGRERR_NONE);
+    for (int i = 0; i < 4; ++i) {
+        const std::string c = std::to_string(2000 * i + 500) + " 500";
+        const std::string wkt = shpt.starts_with("POLYGON") ? qf::rect(2000 * i, 0, 1000, 1000)
+                                : shpt.starts_with("ARC") ? "LINESTRING(" + c + "," + std::to_string(2000 * i + 1000) + " 1000)"
+                                : shpt.starts_with("MULTI") ? "MULTIPOINT((" + c + "))" : "POINT(" + c + ")";
+        OGRFeatureUniquePtr f(OGRFeature::CreateFeature(layer->GetLayerDefn()));
+        f->SetField(0, 300.0 + 200 * i);
+        f->SetField(1, " Caf__");
+        OGRGeometry* g = nullptr;
+        OGRGeometryFactory::createFromWkt(wkt.c_str(), nullptr, &g);
+        f->SetGeometryDirectly(g);
+        ASSERT_EQ(layer->CreateFeature(f.get()), OGRERR_NONE);
+    }
+}
+
+// Files as other tools leave them: the layer loads, holds what the file holds,
+// "Wind by Power Density" from 200 up gives the table, and no file is written.
+TEST(RealFiles, LayersLoadAsOtherToolsLeaveThem)
+{
+    // Text is decoded by the .cpg, else by the language driver byte, else as Latin-1.
+    // text: two bytes in the place of "__"; prj: none for a good one.
+    struct Case { std::string shpt; QByteArray text; char ldid; const char* cpg; QByteArray prj; QString name;
+                  QStringList table = {"254,172,0,1", "154,50,205,1", "255,0,0,1", "0,0,255,1"};
+                  std::vector<int> ids = {0, 1, 2, 3}; };
+    const Case cases[] = {
+        // The second record deleted: it keeps its number and is no feature.
+        {"POLYGON", {}, 0, "UTF-8", {}, " Caf__", {"254,172,0,1", "255,0,0,1", "0,0,255,1"}, {0, 2, 3}},
+        // Z and M are dropped: drawn and queried as the plain types.
+        {"POLYGONZ", {}, 0, "UTF-8", {}, " Caf__"},
+        {"POLYGONM", {}, 0, "UTF-8", {}, " Caf__"},
+        {"ARCZ", {}, 0, "UTF-8", {}, " Caf__", {}},
+        {"POINTZ", {}, 0, "UTF-8", {}, " Caf__", {}},
+        {"MULTIPOINTM", {}, 0, "UTF-8", {}, " Caf__", {}},
+        // A projection file that cannot be understood is none.
+        {"POLYGON", {}, 0, "UTF-8", "PROJCS[\"WGS_1984_UTM_Zone_33N\",GEOGCS[\"GCS_WGS_1984\",DATUM[", " Caf__"},
+        {"POLYGON", {}, 0, "UTF-8", "\x8f\x01PK\xff\xfe garbage[[", " Caf__"},
+        {"POLYGON", {}, 0, "UTF-8", "", " Caf__"},
+        {"POLYGON", "\xc3\xa9", 0, "UTF-8", {}, QStringLiteral(" Caf\u00e9")},
+        {"POLYGON", "\xff!", 0, "UTF-8", {}, QStringLiteral(" Caf\ufffd!")},  // invalid: U+FFFD
+        {"POLYGON", "\x80!", 0x57, "1252", {}, QStringLiteral(" Caf\u20ac!")},
+        {"POLYGON", "\xe9\x80", 0, "ISO-8859-1", {}, QStringLiteral(" Caf\u00e9\u0080")},
+        {"POLYGON", "\x80!", 0, "866", {}, QStringLiteral(" Caf\u0410!")},
+        {"POLYGON", "\x80!", 0x03, nullptr, {}, QStringLiteral(" Caf\u20ac!")},  // Windows-1252
+        {"POLYGON", "\x80!", 0x03, "SOMETHING", {}, QStringLiteral(" Caf\u20ac!")},
+        {"POLYGON", "\xe9\x80", 0, nullptr, {}, QStringLiteral(" Caf\u00e9\u0080")},  // Latin-1
+    };
+    int n = 0;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(n);
+        const std::string dir = testsupport::tempDir("real" + std::to_string(n++));
+        writeWind(dir, c.shpt);
+        QMap<QString, QByteArray> files = filesOf(q(dir));
+        QByteArray& dbf = files["20_wind.dbf"];
+        dbf[29] = c.ldid;
+        if (!c.text.isEmpty()) dbf.replace(" Caf__", " Caf" + c.text);
+        if (c.ids.size() == 3) dbf[(uchar(dbf[8]) | uchar(dbf[9]) << 8) + (uchar(dbf[10]) | uchar(dbf[11]) << 8)] = '*';
+        files["20_wind.cpg"] = c.cpg ? QByteArray(c.cpg) : QByteArray();
+        files["20_wind.prj"] = c.prj.isNull() ? QByteArray::fromStdString(datagen::esriPrjText()) : c.prj;
+        for (auto it = files.begin(); it != files.end(); ++it) {
+            QFile f(q(dir) + "/" + it.key());
+            ASSERT_TRUE(it->isNull() ? f.remove() : f.open(QIODevice::WriteOnly) && f.write(*it) == it->size());
+        }
+        const auto before = filesOf(q(dir));
+
+        qrun::panel(dir, qrun::kWindQuery, "200", "Max").cmdUpdateMap->click();
+        QStringList table;
+        if (const auto rows = QueryDataTable())
+            for (const QueryDataRow& r : *rows)
+                table << QString("%1,%2,%3,%4").arg(RedOf(r.color)).arg(GreenOf(r.color)).arg(BlueOf(r.color)).arg(r.area);
+        EXPECT_EQ(table, c.table);
+        ASSERT_TRUE(cLayerIndex->contains("20_wind.shp")) << "the layer was passed over";
+        const MapLayerPtr wind = frmMain().Map1->Layers().Item(cLayerIndex->Item("20_wind.shp"));
+        EXPECT_EQ(wind->shapeType(), c.shpt.starts_with("POLYGON") ? moPolygon : c.shpt.starts_with("ARC") ? moLine : moPoint);
+        EXPECT_EQ(wind->CoordinateSystem() != nullptr, c.prj.isNull());
+        EXPECT_EQ(wind->Records()->ids(), c.ids);
+        // The text as decoded, leading blank included, is what a search compares.
+        const RecordsetPtr named = wind->SearchExpression("NAME = '" + c.name + "' AND FeatureID >= 0");
+        EXPECT_EQ(named ? named->ids() : std::vector<int>{}, c.ids);
+        // Identify finds the second feature where the plane coordinates put it.
+        wind->Visible = true;
+        EXPECT_EQ(IdentifyTextAt(2500, 500).contains("WINDPWRD : 500"), c.ids.size() == 4);
+        EXPECT_EQ(filesOf(q(dir)), before);
+    }
 }
 
 }  // namespace

@@ -29,7 +29,7 @@ namespace {
 const char* const kUsageText =
     "usage: marlowan-batch DATASET_DIR --query NAME [--min V] [--max V|Max]\n"
     "                      [--road-km KM] [--transmission-km KM] [--land-use NAME]...\n"
-    "                      [--keep-protected | --no-protected] [--solar-resource NAME]\n"
+    "                      [--protected-areas remove|keep] [--solar-resource NAME]\n"
     "                      [--answer yes|no] [--table FILE.csv] [--map FILE.png]\n"
     "                      [--save FILE.shp] [--print FILE.pdf [--heading TEXT]]\n"
     "                      [--identify X,Y] [--quiet] [--timing]\n";
@@ -57,7 +57,7 @@ struct Options {
     QString min, max, roadKm, transmissionKm, solarResource;
     bool hasMin = false, hasMax = false, hasRoad = false, hasTransmission = false, hasSolar = false;
     QStringList landUses;
-    int protectedAreas = -1;  // -1 as the box stands, 0 keep, 1 remove
+    QString protectedAreas;  // "remove" or "keep"; empty leaves the box as the panel sets it
     bool answerYes = true;
     QString table, map, save, print, heading;
     bool hasTable = false, hasIdentify = false;
@@ -86,10 +86,10 @@ QString parse(const QStringList& args, Options& o)
             QString v;
             ok = value(v);
             o.landUses << v;
-        } else if (a == "--keep-protected" || a == "--no-protected") {
-            const int want = a == "--no-protected" ? 1 : 0;
-            if (o.protectedAreas != -1 && o.protectedAreas != want) return "--keep-protected and --no-protected exclude each other";
-            o.protectedAreas = want;
+        } else if (a == "--protected-areas") {
+            ok = value(o.protectedAreas);
+            if (ok && o.protectedAreas != "remove" && o.protectedAreas != "keep")
+                return "--protected-areas takes remove or keep";
         } else if (a == "--answer") {
             QString v;
             ok = value(v);
@@ -122,25 +122,41 @@ QString parse(const QStringList& args, Options& o)
     if (!o.heading.isEmpty() && o.print.isEmpty()) return "--heading goes with --print";
     if (!o.hasQuery && !o.hasIdentify && o.save.isEmpty() && o.print.isEmpty() && o.map.isEmpty())
         return "nothing to do: give --query (or --identify, --map, --save, --print)";
+
+    // Each panel option belongs to the queries whose panel has its control.
+    const QString& q = o.query;
+    const bool wind = q.startsWith("Wind ") || q.startsWith("Best wind");
+    const bool solar = q == "Best Solar X kWh/m2/day";
+    if (o.hasSolar && !solar) return "--solar-resource does not apply to " + q;
+    if ((o.hasMin || o.hasMax) && !wind && !solar) return "--min/--max do not apply to " + q;
+    if (o.hasRoad && q != "Best wind + roads" && q != "Best wind (all)") return "--road-km does not apply to " + q;
+    if (o.hasTransmission && q != "Best wind + transmission" && q != "Best wind (all)")
+        return "--transmission-km does not apply to " + q;
+    if (!o.landUses.isEmpty() && q != "Best wind + land use" && q != "Best wind (all)")
+        return "--land-use does not apply to " + q;
+    if (!o.protectedAreas.isEmpty() && q != "Best wind (all)") return "--protected-areas applies to Best wind (all) only";
     return {};
 }
 
 // Boxes go to stderr; questions take the answer of --answer; file dialogs the
-// queued answers. A box of the failure pattern marks the run as failed.
+// queued answers. A failure box marks the run as failed; the run goes on, as
+// the window does once the box is closed.
 class BatchHandler : public seam::Handler {
 public:
     bool answerYes = true;
     bool failed = false;
-    QStringList boxes;
     std::deque<seam::FileAnswer> files;
 
     seam::Answer message(const QString& text, seam::Buttons buttons, seam::Icon) override
     {
         err(text);
-        boxes << text;
-        if (text.contains("Error Source:") || text.startsWith("Error in ")) failed = true;
         if (buttons == seam::Buttons::YesNo) return answerYes ? seam::Answer::Yes : seam::Answer::No;
         return seam::Answer::OK;
+    }
+    seam::Answer failure(const QString& text, seam::Icon icon) override
+    {
+        failed = true;
+        return message(text, seam::Buttons::OK, icon);
     }
     seam::FileAnswer file(const seam::FileRequest&) override
     {
@@ -175,51 +191,33 @@ int comboIndexOf(const ComboBox* combo, const QString& text)
 }
 
 // Puts the options into the panel's controls as the chosen query reads them.
+// A name the data's lists do not hold is a usage error.
 QString fillPanel(const Options& o)
 {
     FrmMain& f = frmMain();
     const QString& q = o.query;
-    const bool wind = q.startsWith("Wind ") || q.startsWith("Best wind");
-    const bool solar = q == "Best Solar X kWh/m2/day";
-    const bool landUse = q == "Best wind + land use" || q == "Best wind (all)";
-
     if (o.hasSolar) {
-        if (!solar) return "--solar-resource does not apply to " + q;
         const int i = comboIndexOf(f.cboQueryDropDown3, o.solarResource);
         if (i < 0) return "no solar resource \"" + o.solarResource + "\" in the list";
         f.cboQueryDropDown3->setListIndex(i);
     }
-    if ((o.hasMin || o.hasMax) && !wind && !solar) return "--min/--max do not apply to " + q;
     if (o.hasMin) f.cboQueryDropDown->setText(o.min);
     if (o.hasMax) f.cboQueryDropDown2->setText(o.max);
-
-    if (o.hasRoad) {
-        if (q == "Best wind + roads" || q == "Best wind (all)") f.txtQuery1[2]->setText(o.roadKm);
-        else return "--road-km does not apply to " + q;
-    }
-    if (o.hasTransmission) {
-        if (q == "Best wind + transmission") f.txtQuery1[2]->setText(o.transmissionKm);
-        else if (q == "Best wind (all)") f.txtQuery1[1]->setText(o.transmissionKm);
-        else return "--transmission-km does not apply to " + q;
-    }
-    if (!o.landUses.isEmpty()) {
-        if (!landUse) return "--land-use does not apply to " + q;
-        for (const QString& name : o.landUses) {
-            int found = -1;
-            for (int i = 0; i < f.lstQuery1->ListCount() && found < 0; ++i)
-                if (f.lstQuery1->List(i) == name) found = i;
-            if (found < 0) {
-                QStringList names;
-                for (int i = 0; i < f.lstQuery1->ListCount(); ++i) names << "\"" + f.lstQuery1->List(i) + "\"";
-                return "no land use \"" + name + "\" in the list (" + names.join(", ") + ")";
-            }
-            f.lstQuery1->setSelected(found, true);
+    if (o.hasRoad) f.txtQuery1[2]->setText(o.roadKm);
+    if (o.hasTransmission) f.txtQuery1[q == "Best wind (all)" ? 1 : 2]->setText(o.transmissionKm);
+    for (const QString& name : o.landUses) {
+        int found = -1;
+        for (int i = 0; i < f.lstQuery1->ListCount() && found < 0; ++i)
+            if (f.lstQuery1->List(i) == name) found = i;
+        if (found < 0) {
+            QStringList names;
+            for (int i = 0; i < f.lstQuery1->ListCount(); ++i) names << "\"" + f.lstQuery1->List(i) + "\"";
+            return "no land use \"" + name + "\" in the list (" + names.join(", ") + ")";
         }
+        f.lstQuery1->setSelected(found, true);
     }
-    if (o.protectedAreas != -1) {
-        if (q != "Best wind (all)") return "--keep-protected/--no-protected apply to Best wind (all) only";
-        f.chkProtectedAreas->setChecked(o.protectedAreas == 1);
-    }
+    // The box ticked removes the protected areas from the result.
+    if (!o.protectedAreas.isEmpty()) f.chkProtectedAreas->setChecked(o.protectedAreas == "remove");
     return {};
 }
 
@@ -289,7 +287,16 @@ int main(int argc, char** argv)
     if (!o.quiet) SetProgressHook([](const QString& text) { err(text); });
 
     FrmMain& f = frmMain();
+    const int queryIndex = o.hasQuery ? comboIndexOf(f.cboSelectQuery, o.query) : -1;
+    if (o.hasQuery && queryIndex < 0) {
+        QStringList names;
+        for (int i = 0; i < f.cboSelectQuery->ListCount(); ++i) names << "\"" + f.cboSelectQuery->List(i) + "\"";
+        return usage("unknown query \"" + o.query + "\"; the queries are " + names.join(", "));
+    }
     f.show();
+    // A failure box shown at any point decides the status, whatever follows.
+    bool outputFailed = false;
+    auto status = [&](int otherwise) { return handler.failed || outputFailed ? int(kFailure) : otherwise; };
 
     // Load, as if the user had picked a shapefile of the directory.
     QElapsedTimer timer;
@@ -299,23 +306,14 @@ int main(int argc, char** argv)
     LoadProject(title, dir.absolutePath() + "/" + title, f.Map1, f.legend);
     QCoreApplication::processEvents();
     if (o.timing) err("load " + secondsText(timer.nsecsElapsed()));
-    if (handler.failed) return kFailure;
 
     if (o.hasQuery) {
-        const int index = comboIndexOf(f.cboSelectQuery, o.query);
-        if (index < 0) {
-            QStringList names;
-            for (int i = 0; i < f.cboSelectQuery->ListCount(); ++i) names << "\"" + f.cboSelectQuery->List(i) + "\"";
-            return usage("unknown query \"" + o.query + "\"; the queries are " + names.join(", "));
-        }
-        f.cboSelectQuery->setListIndex(index);
-        if (handler.failed) return kFailure;
+        f.cboSelectQuery->setListIndex(queryIndex);
         // A refused query leaves the panel as it was: its caption is not the query's.
-        if (index > 0 && f.fraEditQueryParameters->title() != o.query) return kRefused;
+        if (queryIndex > 0 && f.fraEditQueryParameters->title() != o.query) return status(kRefused);
 
         const QString panelProblem = fillPanel(o);
-        if (!panelProblem.isEmpty()) return usage(panelProblem);
-        if (handler.failed) return kFailure;
+        if (!panelProblem.isEmpty()) return status(usage(panelProblem));
 
         ResetProgressRepaintSeconds();
         timer.restart();
@@ -325,36 +323,28 @@ int main(int argc, char** argv)
             err("query " + secondsText(queryNs));
             err("repaint " + QString::number(ProgressRepaintSeconds(), 'f', 3));
         }
-        if (handler.failed) return kFailure;
         // A refusal (of the solar resource or of CheckInputs) leaves its red text.
         if (Visible(f.lblWorking) && ForeColor(f.lblWorking) == RGB(255, 0, 0)) {
             err(f.lblWorking->text());
-            return kRefused;
+            return status(kRefused);
         }
-
-        const auto rows = QueryDataTable();
-        if (!rows || handler.failed) return kFailure;
-        if (!writeTable(o, *rows)) return kFailure;
+        if (const auto rows = QueryDataTable(true); rows && !writeTable(o, *rows)) outputFailed = true;
     }
 
-    if (!o.map.isEmpty() && !writeMapPicture(o.map)) return kFailure;
+    if (!o.map.isEmpty() && !writeMapPicture(o.map)) outputFailed = true;
 
     if (!o.save.isEmpty()) {
         handler.files.push_back({false, QFileInfo(o.save).absoluteFilePath(), QFileInfo(o.save).fileName()});
         f.mnuSave_Click();
-        if (handler.failed) return kFailure;
     }
 
-    if (!o.print.isEmpty()) {
-        if (!PrintPageToPdf(QFileInfo(o.print).absoluteFilePath(), o.heading) || handler.failed) return kFailure;
-    }
+    if (!o.print.isEmpty() && !PrintPageToPdf(QFileInfo(o.print).absoluteFilePath(), o.heading)) outputFailed = true;
 
     if (o.hasIdentify) {
         const QString text = IdentifyTextAt(o.identifyX, o.identifyY);
         std::fputs(text.toUtf8().constData(), stdout);
         std::fputc('\n', stdout);
         std::fflush(stdout);
-        if (handler.failed) return kFailure;
     }
-    return kOk;
+    return status(kOk);
 }

@@ -7,9 +7,9 @@
 void ErrorMessage(const QString& text, int /*severity*/)
 {
     try {
-        seam::MsgBox(text);
+        seam::FailureBox(text);
     } catch (...) {
-        seam::MsgBox("Error in ErrorMessage() procedure");
+        seam::FailureBox("Error in ErrorMessage() procedure");
     }
 }
 

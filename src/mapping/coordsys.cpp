@@ -41,7 +41,10 @@ std::shared_ptr<CoordinateSystem> CoordinateSystem::fromWkt(const QString& wkt)
     if (wkt.isEmpty()) return nullptr;
     OGRSpatialReference srs;
     const QByteArray text = wkt.toUtf8();
-    if (srs.SetFromUserInput(text.constData()) != OGRERR_NONE) return nullptr;
+    // The text of a projection file, never a name to look up on disk or on
+    // the network, whatever its bytes happen to spell.
+    if (srs.SetFromUserInput(text.constData(), OGRSpatialReference::SET_FROM_USER_INPUT_LIMITATIONS_get()) != OGRERR_NONE)
+        return nullptr;
     auto cs = std::make_shared<CoordinateSystem>();
     cs->IsProjected = srs.IsProjected();
     cs->Unit.Name = rootUnitName(wkt);

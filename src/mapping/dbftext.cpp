@@ -2,7 +2,10 @@
 
 #include <QFile>
 #include <QStringDecoder>
+#include <atomic>
 #include <cpl_conv.h>
+#include <gdal_priv.h>
+#include <ogrsf_frmts.h>
 #include <cpl_string.h>
 
 bool DbfText::read(const QString& path)
@@ -47,17 +50,39 @@ QByteArray DbfText::bytes(int record, int field) const
     return b;
 }
 
-QString decodeDbfText(const QByteArray& b, const QString& encoding)
+QString languageDriverEncoding(QByteArray header)
+{
+    if (header.size() < 32 || header[29] == 0) return {};
+    static std::atomic<int> serial{0};
+    const QByteArray name = "/vsimem/marlowan-ldid-" + QByteArray::number(++serial) + ".dbf";
+    for (int i = 4; i < 8; ++i) header[i] = 0;  // no records
+    VSILFILE* f = VSIFileFromMemBuffer(name.constData(), reinterpret_cast<GByte*>(header.data()),
+                                       vsi_l_offset(header.size()), FALSE);
+    if (!f) return {};
+    VSIFCloseL(f);
+    QString encoding;
+    {
+        const char* drivers[] = {"ESRI Shapefile", nullptr};
+        GDALDatasetUniquePtr ds(GDALDataset::Open(name.constData(), GDAL_OF_VECTOR | GDAL_OF_READONLY, drivers));
+        if (ds && ds->GetLayerCount() > 0)
+            encoding = QString::fromUtf8(ds->GetLayer(0)->GetMetadataItem("SOURCE_ENCODING", "SHAPEFILE") ?: "");
+    }
+    VSIUnlink(name.constData());
+    return encoding;
+}
+
+TextDecoder::TextDecoder(const QString& encoding) : encoding_(encoding.toUtf8())
+{
+    if (encoding.isEmpty()) decoder_ = QStringDecoder(QStringDecoder::Latin1, QStringDecoder::Flag::Stateless);
+    else decoder_ = QStringDecoder(encoding_.constData(), QStringDecoder::Flag::Stateless);
+}
+
+QString TextDecoder::operator()(const QByteArray& b)
 {
     if (b.isEmpty()) return QString("");
-    if (!encoding.isEmpty() && encoding.compare("UTF-8", Qt::CaseInsensitive) != 0) {
-        char* utf8 = CPLRecode(b.constData(), encoding.toUtf8().constData(), CPL_ENC_UTF8);
-        QString s = QString::fromUtf8(utf8);
-        CPLFree(utf8);
-        return s;
-    }
-    QStringDecoder dec(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    QString s = dec.decode(b);
-    if (dec.hasError()) return QString::fromLatin1(b);
+    if (decoder_.isValid()) return decoder_.decode(b);
+    char* utf8 = CPLRecode(b.constData(), encoding_.constData(), CPL_ENC_UTF8);
+    QString s = QString::fromUtf8(utf8);
+    CPLFree(utf8);
     return s;
 }

@@ -3,6 +3,7 @@
 // trims leading blanks, which are part of the data (land-use names, labels).
 #include <QByteArray>
 #include <QString>
+#include <QStringDecoder>
 #include <vector>
 
 class DbfText {
@@ -14,6 +15,7 @@ public:
     int fieldAt(int position, const QString& name) const;
     // Raw bytes of a character field, trailing blanks and NULs dropped; empty when out of the file.
     QByteArray bytes(int record, int field) const;
+    QByteArray header() const { return data_.left(headerLen_); }
 
 private:
     struct FieldPos { QString name; char type; int offset; int length; };
@@ -22,6 +24,21 @@ private:
     std::vector<FieldPos> fields_;
 };
 
-// The text of a field's bytes in the file's encoding (UTF-8 when none is
-// named); bytes that are not UTF-8 are read as Latin-1.
-QString decodeDbfText(const QByteArray& bytes, const QString& encoding);
+// The encoding GDAL's shapefile driver gives the language-driver byte of a
+// .dbf header, asked of a copy of the header alone: with a .cpg beside the
+// file, even one that names nothing GDAL knows, the driver looks no further.
+QString languageDriverEncoding(QByteArray header);
+
+// Text as the encoding GDAL named decodes it, or Latin-1 where it named none.
+// Qt's decoders show a byte sequence that is invalid in its encoding as the
+// replacement character, where GDAL's recoder drops it; an encoding Qt does
+// not know goes through GDAL's recoder all the same.
+class TextDecoder {
+public:
+    explicit TextDecoder(const QString& encoding);
+    QString operator()(const QByteArray& b);
+
+private:
+    QByteArray encoding_;
+    QStringDecoder decoder_;
+};

@@ -219,6 +219,7 @@ std::vector<int> GeoDataset::select(const QString& expression) const
         int repeats = 0;
         for (; r < count(); ++r) {
             if (r == kTrial && repeats < kTrial / 8) break;
+            if (isDeleted(r)) continue;
             const QVariant& v = value(r, c);
             bool selected;
             if (!v.isValid() || v.isNull()) {
@@ -245,7 +246,7 @@ std::vector<int> GeoDataset::select(const QString& expression) const
         }
     }
     for (; r < count(); ++r)
-        if (evaluate(r)) out.push_back(r);
+        if (!isDeleted(r) && evaluate(r)) out.push_back(r);
     if (CPLGetLastErrorType() == CE_Failure) throw MapError("expression could not be evaluated");
     return out;
 }
@@ -255,6 +256,15 @@ std::vector<int> GeoDataset::select(const QString& expression) const
 GeoDataset::~GeoDataset() = default;
 
 QString GeoDataset::baseName() const { return QFileInfo(path_).completeBaseName(); }
+
+std::vector<int> GeoDataset::recordIds() const
+{
+    std::vector<int> ids;
+    ids.reserve(records_.size());
+    for (int i = 0; i < count(); ++i)
+        if (!isDeleted(i)) ids.push_back(i);
+    return ids;
+}
 
 int GeoDataset::fieldIndex(const QString& name) const
 {
@@ -295,7 +305,10 @@ GeoDatasetPtr GeoDataset::open(const QString& shpPath)
     OGRFeatureDefn* defn = layer->GetLayerDefn();
     DbfText dbfText;
     const bool haveDbf = dbfText.read(dbf);
-    const QString encoding = QString::fromUtf8(layer->GetMetadataItem("SOURCE_ENCODING", "SHAPEFILE") ?: "");
+    QString encoding = QString::fromUtf8(layer->GetMetadataItem("SOURCE_ENCODING", "SHAPEFILE") ?: "");
+    if (encoding.isEmpty() && haveDbf && !sibling(shpPath, "cpg").isEmpty())
+        encoding = languageDriverEncoding(dbfText.header());
+    TextDecoder decodeText(encoding);
     std::vector<int> dbfField;
     for (int i = 0; i < defn->GetFieldCount(); ++i) {
         OGRFieldDefn* fd = defn->GetFieldDefn(i);
@@ -315,19 +328,36 @@ GeoDatasetPtr GeoDataset::open(const QString& shpPath)
     }
     const size_t nf = d->fields_.size();
 
+    // The driver reads the .prj when a feature first asks for it; a file it
+    // cannot understand is reported then, and must not pass for a broken
+    // record. Such a layer has no coordinate system, as one without .prj.
+    layer->GetSpatialRef();
+    CPLErrorReset();
+
     auto h = geosContext();
-    const GIntBig expected = layer->GetFeatureCount(TRUE);
-    d->records_.reserve(size_t(std::max<GIntBig>(expected, 0)));
-    d->values_.reserve(size_t(std::max<GIntBig>(expected, 0)) * nf);
+    // The count is that of the file; the driver passes over the records the
+    // .dbf marks deleted, and their numbers stay empty slots here.
+    const GIntBig total = std::max<GIntBig>(layer->GetFeatureCount(TRUE), 0);
+    d->records_.reserve(size_t(total));
+    d->values_.reserve(size_t(total) * nf);
+    auto skipTo = [&](GIntBig fid) {
+        if (GIntBig(d->records_.size()) >= fid) return;
+        d->deleted_.resize(d->records_.size(), 0);
+        d->deleted_.resize(size_t(fid), 1);
+        d->records_.resize(size_t(fid));
+        d->values_.resize(size_t(fid) * nf);
+    };
     layer->ResetReading();
     for (OGRFeatureUniquePtr feat(layer->GetNextFeature()); feat; feat.reset(layer->GetNextFeature())) {
         if (CPLGetLastErrorType() == CE_Failure) return nullptr;
-        const int dbfRecord = int(feat->GetFID());
+        const GIntBig fid = feat->GetFID();
+        if (fid < GIntBig(d->records_.size())) return nullptr;  // not the file's own numbering
+        skipTo(fid);
         for (size_t c = 0; c < nf; ++c) {
             const int ci = int(c);
             const FieldDef& f = d->fields_[c];
             if (f.type == moString) {
-                if (dbfField[c] >= 0) d->values_.push_back(decodeDbfText(dbfText.bytes(dbfRecord, dbfField[c]), encoding));
+                if (dbfField[c] >= 0) d->values_.push_back(decodeText(dbfText.bytes(int(fid), dbfField[c])));
                 else d->values_.push_back(feat->IsFieldSetAndNotNull(ci) ? QString::fromUtf8(feat->GetFieldAsString(ci)) : QString(""));
             } else if (!feat->IsFieldSetAndNotNull(ci)) {
                 d->values_.push_back(QVariant());
@@ -340,7 +370,9 @@ GeoDatasetPtr GeoDataset::open(const QString& shpPath)
             }
         }
         Record rec;
-        if (const OGRGeometry* g = feat->GetGeometryRef(); g && !g->IsEmpty()) {
+        if (OGRGeometry* g = feat->GetGeometryRef(); g && !g->IsEmpty()) {
+            // Z and M values are dropped: shapes are drawn and queried in the plane.
+            if (g->Is3D() || g->IsMeasured()) g->flattenTo2D();
             rec.type = shapeTypeOf(g->getGeometryType());
             if (GEOSGeometry* gg = g->exportToGEOS(h)) {
                 rec.geom = GeomPtr(gg, GeomDeleter());
@@ -352,9 +384,10 @@ GeoDatasetPtr GeoDataset::open(const QString& shpPath)
         }
         d->extent_.expand(rec.env);
         d->records_.push_back(std::move(rec));
+        if (!d->deleted_.empty()) d->deleted_.push_back(0);
     }
     if (CPLGetLastErrorType() == CE_Failure) return nullptr;
-    if (expected >= 0 && GIntBig(d->records_.size()) != expected) return nullptr;
+    skipTo(total);
     if (d->shapeType_ == moNullShape) {
         for (const Record& r : d->records_)
             if (r.type != moNullShape) { d->shapeType_ = r.type; break; }

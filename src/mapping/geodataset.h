@@ -37,7 +37,12 @@ public:
     const QString& path() const { return path_; }
     QString baseName() const;
     int shapeType() const { return shapeType_; }
+    // Record numbers run from 0 to count() - 1, as in the file. A record the
+    // .dbf marks deleted keeps its number but is no feature: it has no shape
+    // and no values, and neither listing nor search ever returns it.
     int count() const { return int(records_.size()); }
+    bool isDeleted(int fid) const { return !deleted_.empty() && deleted_[size_t(fid)]; }
+    std::vector<int> recordIds() const;  // the records that are features, in record order
     const std::vector<FieldDef>& fields() const { return fields_; }
     int fieldIndex(const QString& name) const;  // without regard to case; -1 when absent
 
@@ -83,6 +88,7 @@ private:
     std::vector<FieldDef> fields_;
     std::vector<QVariant> values_;
     std::vector<Record> records_;
+    std::vector<char> deleted_;  // empty when no record is deleted
     Envelope extent_;
     CoordinateSystemPtr srs_;
     std::unique_ptr<Index> index_;

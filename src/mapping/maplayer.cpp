@@ -16,9 +16,7 @@ const ::GeoDataset& MapLayer::data() const
 
 RecordsetPtr MapLayer::Records() const
 {
-    std::vector<int> ids(size_t(data().count()));
-    for (size_t i = 0; i < ids.size(); ++i) ids[i] = int(i);
-    return std::make_shared<Recordset>(ds_, std::move(ids));
+    return std::make_shared<Recordset>(ds_, data().recordIds());
 }
 
 int MapLayer::shapeType() const { return ds_ ? ds_->shapeType() : moNullShape; }

@@ -77,6 +77,7 @@ void setHandler(Handler* handler) { g_handler = handler; }
 Handler* handler() { return g_handler ? g_handler : &realDialogs(); }
 
 Answer MsgBox(const QString& text, Buttons buttons, Icon icon) { return handler()->message(text, buttons, icon); }
+Answer FailureBox(const QString& text, Icon icon) { return handler()->failure(text, icon); }
 FileAnswer ShowFileDialog(const FileRequest& request) { return handler()->file(request); }
 
 }  // namespace seam

@@ -29,6 +29,8 @@ class Handler {
 public:
     virtual ~Handler() = default;
     virtual Answer message(const QString& text, Buttons buttons, Icon icon) = 0;
+    // A box that reports a failure; on the screen it is a box like any other.
+    virtual Answer failure(const QString& text, Icon icon) { return message(text, Buttons::OK, icon); }
     virtual FileAnswer file(const FileRequest& request) = 0;
 };
 
@@ -39,6 +41,9 @@ Handler* handler();
 // A box without a title of its own (the application's title shows), with the
 // given buttons and icon.
 Answer MsgBox(const QString& text, Buttons buttons = Buttons::OK, Icon icon = Icon::None);
+// The same plain OK box, for a text that reports a failure: ErrorMessage and
+// the boxes that say something could not be done or read.
+Answer FailureBox(const QString& text, Icon icon = Icon::None);
 FileAnswer ShowFileDialog(const FileRequest& request);
 
 }  // namespace seam

@@ -94,7 +94,9 @@ public:
         if (std::string(ds_->GetDriverName()) == "ESRI Shapefile") {
             haveDbf_ = dbf_.read(QString::fromStdString(fs::path(r.source).replace_extension(".dbf").string()));
             if (!haveDbf_) haveDbf_ = dbf_.read(QString::fromStdString(fs::path(r.source).replace_extension(".DBF").string()));
-            encoding_ = QString::fromUtf8(layer_->GetMetadataItem("SOURCE_ENCODING", "SHAPEFILE") ?: "");
+            QString encoding = QString::fromUtf8(layer_->GetMetadataItem("SOURCE_ENCODING", "SHAPEFILE") ?: "");
+            if (encoding.isEmpty() && haveDbf_) encoding = languageDriverEncoding(dbf_.header());
+            decodeText_ = TextDecoder(encoding);
         }
     }
 
@@ -120,7 +122,7 @@ public:
                 out.emplace_back();
             } else if (fields_[k].type == OFTString) {
                 const int d = haveDbf_ ? dbf_.fieldAt(i, QString::fromUtf8(f.GetFieldDefnRef(i)->GetNameRef())) : -1;
-                if (d >= 0) out.emplace_back(decodeDbfText(dbf_.bytes(int(f.GetFID()), d), encoding_).toStdString());
+                if (d >= 0) out.emplace_back(decodeText_(dbf_.bytes(int(f.GetFID()), d)).toStdString());
                 else out.emplace_back(std::string(f.GetFieldAsString(i)));
             } else if (fields_[k].type == OFTReal) {
                 out.emplace_back(f.GetFieldAsDouble(i));
@@ -176,7 +178,7 @@ private:
     std::vector<int> from_;
     DbfText dbf_;
     bool haveDbf_ = false;
-    QString encoding_;
+    mutable TextDecoder decodeText_{QString()};
 };
 
 // Reprojects, repairs and clips each feature of the source into table.

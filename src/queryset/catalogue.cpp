@@ -100,8 +100,8 @@ bool isQueryPossible(const QString& queryName, QString& message)
             }
         }
     } catch (...) {
-        seam::MsgBox("Error in isQueryPossible() function. Error while trying to check whether the query can be "
-                     "performed. ");
+        seam::FailureBox("Error in isQueryPossible() function. Error while trying to check whether the query can be "
+                         "performed. ");
     }
     return result;
 }
@@ -122,7 +122,7 @@ bool isLayerExist(const QString& fileName, QString& message)
             }
         }
     } catch (...) {
-        seam::MsgBox("Error in isLayerExist() function. Error while trying to check the existence of a layer. ");
+        seam::FailureBox("Error in isLayerExist() function. Error while trying to check the existence of a layer. ");
         result = false;
     }
     return result;

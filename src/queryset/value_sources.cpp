@@ -87,13 +87,13 @@ void getMaxWindDensity()
     }
     try {
         if (searchFailed) {
-            seam::MsgBox(WindShapefileMessage);
+            seam::FailureBox(WindShapefileMessage);
             return;
         }
         if (!records) return;
         StatisticsPtr stats = records->CalculateStatistics("WINDPWRD");
         if (!stats) {
-            seam::MsgBox(WindShapefileMessage);
+            seam::FailureBox(WindShapefileMessage);
             return;
         }
         const double maxDensity = stats->Max;
@@ -104,6 +104,6 @@ void getMaxWindDensity()
                      "type in a value less than " +
                      m + " to perform any Wind Energy query.");
     } catch (...) {
-        seam::MsgBox("Error in getMaxWindDensity() function. Error while trying calculate the max wind energy. ");
+        seam::FailureBox("Error in getMaxWindDensity() function. Error while trying calculate the max wind energy. ");
     }
 }

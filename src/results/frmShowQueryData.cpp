@@ -152,7 +152,7 @@ void FrmMain::cmdShowData_Click()
     }
 }
 
-std::optional<std::vector<QueryDataRow>> QueryDataTable()
+std::optional<std::vector<QueryDataRow>> QueryDataTable(bool allRows)
 {
     try {
         // Colour alone decides the row, in order of first occurrence.
@@ -177,7 +177,7 @@ std::optional<std::vector<QueryDataRow>> QueryDataTable()
         if (colors.size() > kQueryDataRows) seam::MsgBox(QStringLiteral("Form will not be able to show all values"));
 
         std::vector<QueryDataRow> rows;
-        for (int r = 0; r < colors.size() && r < kQueryDataRows; ++r) {
+        for (int r = 0; r < colors.size() && (allRows || r < kQueryDataRows); ++r) {
             const int color = colors[r];
             rows.push_back({color, areas.value(color), CreateAreaDescription(color)});
         }

@@ -21,9 +21,10 @@ struct QueryDataRow {
 constexpr int kQueryDataRows = 14;
 // The rows the window shows for the result model as it stands, in order of
 // the colours' first occurrence: at most 14, with the box "Form will not be
-// able to show all values" when there are more colours. On a failure its
-// message has been shown and the result is empty (nullopt).
-std::optional<std::vector<QueryDataRow>> QueryDataTable();
+// able to show all values" when there are more colours. allRows keeps every
+// colour, for a table written to a file (the box shows all the same). On a
+// failure its message has been shown and the result is empty (nullopt).
+std::optional<std::vector<QueryDataRow>> QueryDataTable(bool allRows = false);
 
 // A filled rectangle of the form library (the colour swatch of a row).
 class ShapeControl : public QWidget {

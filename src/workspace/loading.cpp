@@ -63,8 +63,8 @@ void LoadProject(const QString& fileTitle, const QString& fileName, Map* map, Le
         oDataConnection = connection;
 
         if (!connection->Connect()) {
-            seam::MsgBox(QStringLiteral("No data found... Data Connection error #") + QString::number(connection->ConnectError),
-                         seam::Buttons::OK, seam::Icon::Exclamation);
+            seam::FailureBox(QStringLiteral("No data found... Data Connection error #") + QString::number(connection->ConnectError),
+                             seam::Icon::Exclamation);
         } else {
             map->Layers().Clear();
             const QStringList entries = listShapefiles(sDataDirectory);
@@ -146,7 +146,7 @@ void FrmMain::mnuAdd_Click()
         if (connection->Connect()) {
             GeoDatasetPtr ds = connection->FindGeoDataset(answer.fileTitle);
             if (!ds) {
-                seam::MsgBox(QStringLiteral("Error opening shapefile ") + answer.fileTitle);
+                seam::FailureBox(QStringLiteral("Error opening shapefile ") + answer.fileTitle);
                 return;
             }
             auto layer = std::make_shared<MapLayer>();
@@ -155,8 +155,8 @@ void FrmMain::mnuAdd_Click()
             layer->Tag = sDataDirectory;
             Map1->Layers().Add(layer);
         } else {
-            seam::MsgBox(QStringLiteral("Data Connection error #") + QString::number(connection->ConnectError),
-                         seam::Buttons::OK, seam::Icon::Exclamation);
+            seam::FailureBox(QStringLiteral("Data Connection error #") + QString::number(connection->ConnectError),
+                             seam::Icon::Exclamation);
         }
         UpdateInterface();
     } catch (...) {

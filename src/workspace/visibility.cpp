@@ -52,7 +52,7 @@ bool isSetLayerVisible(const MapLayerPtr& layer)
             throw MapError("layer without records");
         return records->Count() < 50;
     } catch (...) {
-        seam::MsgBox("Error in isSetLayerVisible() function. Error while trying to count the number of features in a layer layer and set its visibility. ");
+        seam::FailureBox("Error in isSetLayerVisible() function. Error while trying to count the number of features in a layer layer and set its visibility. ");
         return false;
     }
 }
