@@ -1,13 +1,9 @@
-// Number texts, conversions, the keyed collection and the label: many exact
-// texts of the program hang on these.
+// Number texts, conversions and the keyed collection: many exact texts of
+// the program hang on these.
 #include <gtest/gtest.h>
 
-#include <QImage>
-
 #include "mapping/collection.h"
-#include "mapping/controls.h"
 #include "mapping/platform.h"
-#include "mapping/symbol.h"
 
 TEST(NumberText, ShortestFormsAsThePlatformPrintedThem)
 {
@@ -103,34 +99,4 @@ TEST(KeyedCollection, NumberKeysStayExactWhenTheSequenceBreaks)
     EXPECT_FALSE(mixed.contains("1"));
     EXPECT_EQ(mixed.Item("2"), 3);
     EXPECT_EQ(mixed.Item(2), 2);
-}
-
-// The label puts a line together from kept pieces; it must look exactly as Qt
-// lays the same line out, kerning and ligatures included, and fall back where
-// it cannot (a wrapped line, a mark, a right-to-left script).
-TEST(FormLabel, LooksExactlyAsQtDrawsTheSameText)
-{
-    const QString texts[] = {"Calculating... 12.5% finished", "Calculating... finished", "Creating Map...",
-                             "AVATAR Ta Vo Wa, \"fluffy office\" 7/11", "  leading blanks", "e\u0301t\u00e9",
-                             "\u05e9\u05dc\u05d5\u05dd 12", "A line far too long to fit on one line of this label, so it wraps"};
-    for (const double points : {8.0, 9.75}) {
-        for (const QString& text : texts) {
-            QLabel plain(text);
-            Label fast(text);
-            plain.setTextFormat(Qt::PlainText);
-            for (QLabel* l : {&plain, static_cast<QLabel*>(&fast)}) {
-                QFont f = l->font();
-                f.setPointSizeF(points);
-                l->setFont(f);
-                l->setWordWrap(true);
-                l->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-                l->setAutoFillBackground(true);
-                SetForeColor(l, RGB(0, 0, 255));
-                l->resize(209, 37);
-            }
-            // Twice: the second paint comes from the kept pieces.
-            fast.grab();
-            EXPECT_EQ(fast.grab().toImage(), plain.grab().toImage()) << text.toStdString() << " at " << points;
-        }
-    }
 }

@@ -5,8 +5,3 @@
 // are laid out in twips for an 8-point dialog font; a larger one would not fit.
 void InitApplication();
 
-// Starts the program anew with the heap on transparent huge pages, unless the
-// environment already says how the allocator is to work. A large dataset is
-// hundreds of thousands of small objects; with 4 KiB pages their first touch
-// costs a tenth of the loading time. Returns only when no restart happened.
-void RestartWithLargePages(char** argv);

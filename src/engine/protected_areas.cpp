@@ -107,6 +107,7 @@ void Wind_ProtectedArea_Overlay()
     });
     overlay::NearbyParts nearby(dissolved);
 
+    StepText stepText("Overlaying... ");
     if (windRecords) {
         windRecords->MoveFirst();
         while (!windRecords->Eof()) {
@@ -126,7 +127,7 @@ void Wind_ProtectedArea_Overlay()
                     if (remainder) overlay::passOver([&] { AppendResult(remainder, *windRecords, "WINDPWRD"); });
                 }
             }
-            overlay::passOver([&] { ShowProgress(ProgressText("Overlaying... ", double(n) / double(windCount))); });
+            overlay::passOver([&] { ShowStepProgress(stepText.at(double(n) / double(windCount))); });
             windRecords->MoveNext();
             ++n;
         }
