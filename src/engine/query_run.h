@@ -41,7 +41,8 @@ private:
     QString prefix_, text_;
     long long tenths_ = -1;
 };
-// Lets pending user events run (a press of Cancel is served here).
+// Lets pending user events run (a press of Cancel is served here), those of
+// the window system at the screen's pace.
 void YieldToEvents();
 // Appends shape with a new symbol coloured by field's value in record, and the
 // value itself, under the next key of the result model.
