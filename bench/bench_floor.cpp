@@ -235,7 +235,8 @@ struct BufferSet {
         for (int i : near) {
             if (GEOSPreparedContainsProperly_r(h(), prepared[size_t(i)].get(), g.get()) == 1) return g;
             if (GEOSPreparedIntersects_r(h(), prepared[size_t(i)].get(), g.get()) == 1)
-                pieces.push_back(own(GEOSIntersection_r(h(), parts[size_t(i)].get(), g.get())));
+                if (GeomPtr r = own(GEOSIntersection_r(h(), parts[size_t(i)].get(), g.get())); polygonal(r.get()))
+                    pieces.push_back(r);
         }
         if (pieces.empty()) return nullptr;
         GeomPtr r = unionOf(pieces);
@@ -255,6 +256,9 @@ std::vector<GeomPtr> floorProtected(const Data& d)
     for (int i = 0; i < d.prot.ds->count(); ++i) areas.push_back(d.prot.ds->geom(i));
     const GeomPtr dissolved = unionOf(areas);
     const PreparedPtr p(GEOSPrepare_r(h(), dissolved.get()));
+    // Near a wind polygon the dissolved areas are the union of those whose
+    // boxes meet it, a polygon of a few vertices instead of thousands.
+    const std::vector<char> all(areas.size(), 1);
     for (int fid : ids(windMask(*d.wind.ds))) {
         const GeomPtr& g = d.wind.ds->geom(fid);
         if (GEOSPreparedContainsProperly_r(h(), p.get(), g.get()) == 1) continue;
@@ -262,7 +266,9 @@ std::vector<GeomPtr> floorProtected(const Data& d)
             out.push_back(g);
             continue;
         }
-        GeomPtr r = own(GEOSDifference_r(h(), g.get(), dissolved.get()));
+        std::vector<GeomPtr> near;
+        for (int aid : d.prot.near(g.get(), all)) near.push_back(areas[size_t(aid)]);
+        GeomPtr r = own(GEOSDifference_r(h(), g.get(), unionOf(near).get()));
         if (polygonal(r.get())) out.push_back(r);
     }
     return out;

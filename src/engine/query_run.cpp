@@ -246,7 +246,8 @@ void AppendResult(const ShapePtr& shape, Recordset& record, const QString& field
     auto symbol = std::make_shared<Symbol>();
     symbol->Outline = false;
     cShapes->Add(shape, keyOf(cShapes->Count()));
-    SetClassSymbolColor(field, record.Fields()(field).toDouble(), symbol);
+    const Field value = record.Fields()(field);  // looked up once, read twice
+    SetClassSymbolColor(field, value.toDouble(), symbol);
     cSymbols->Add(symbol, keyOf(cSymbols->Count()));
-    cFieldValues->Add(record.Fields()(field).Value(), keyOf(cFieldValues->Count()));
+    cFieldValues->Add(value.Value(), keyOf(cFieldValues->Count()));
 }
