@@ -242,9 +242,13 @@ ShapePtr PolygonSet::subtractFrom(const ShapePtr& shape)
     }
     if (hits.empty()) return shape;
     if (hits.size() == 1) return geo->Difference(shapes_[size_t(hits.front())]);
+    // Each of them meets the shape: a pre-test of their union, made for this
+    // cut alone, would only cost its preparation.
     std::vector<GeomPtr> near;
     for (int i : hits) near.push_back(parts_[size_t(i)]);
-    return geo->Difference(unionAll(near));
+    PolygonPtr all = unionAll(near);
+    if (!all) return shape;
+    return shapeFromGeom(adoptGeom(GEOSDifference_r(h, g.get(), all->geom().get())));
 }
 
 // --- union ------------------------------------------------------------------------
