@@ -24,5 +24,8 @@ echo "== marlowan-batch, whole process"
 "$BUILD/marlowan-batch" "$DATA" --query "Best Solar X kWh/m2/day" --solar-resource "$SOLAR" \
     --min 5 --max 6.5 --quiet --timing >/dev/null
 
+echo "== the overlay queries beside their floors (CPU time is the steadier figure)"
+"$BUILD/bench_floor" "$DATA" 3
+
 echo "== marlowan-prepare: national wind raster, whole large recipe"
 "$BUILD/bench_prepare"

@@ -1,6 +1,7 @@
 // The query run from the press of Update Map to the painted map: the result
 // model, the progress texts, Cancel served inside a yield, refusals and
 // failures, the range expressions and the solar queries.
+#include <QElapsedTimer>
 #include <QImage>
 #include <QMetaObject>
 
@@ -362,4 +363,33 @@ TEST(Expressions, SolarResourceChosenByExactNameAndRangesWindInDoublePrecisionWi
                                     .arg(c.solar ? "Solar" : "Wind");
         EXPECT_EQ(boxes(), *c.expression ? QStringList() : QStringList({failure}));
     }
+}
+
+// A step's text is the caption at once; the label repaints at most once a
+// frame, and the last text is painted all the same.
+TEST(QueryRun, StepTextsRepaintAtTheScreensPaceAndTheLastOneShows)
+{
+    FrmMain& f = panel(windDataset("wind-pace"), kWindQuery, "200", "Max");
+    f.lblWorking->setVisible(true);
+    struct Painted : QObject {
+        QStringList texts;
+        bool eventFilter(QObject* o, QEvent* e) override
+        {
+            if (e->type() == QEvent::Paint) texts << static_cast<QLabel*>(o)->text();
+            return false;
+        }
+    } painted;
+    f.lblWorking->installEventFilter(&painted);
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < 3000; ++i) {
+        ShowStepProgress(QString::number(i));
+        ASSERT_EQ(f.lblWorking->text(), QString::number(i));
+        YieldToEvents();
+    }
+    FlushProgress();
+    EXPECT_LE(painted.texts.size(), clock.elapsed() / 16 + 2);
+    EXPECT_EQ(painted.texts.last(), "2999");
+    StepText steps("Overlaying... ");  // the same texts, ties included
+    for (int n = 0; n <= 4000; ++n) ASSERT_EQ(steps.at(n / 4000.0), ProgressText("Overlaying... ", n / 4000.0)) << n;
 }

@@ -2,8 +2,6 @@
 
 #include <QApplication>
 #include <QFont>
-#include <cstdlib>
-#include <unistd.h>
 
 #include "mapping/controls.h"
 
@@ -15,12 +13,4 @@ void InitApplication()
     font.setPointSizeF(9);
     QApplication::setFont(font);
     ChooseTwipsPerPixel();
-}
-
-void RestartWithLargePages(char** argv)
-{
-    if (std::getenv("GLIBC_TUNABLES")) return;
-    setenv("GLIBC_TUNABLES", "glibc.malloc.hugetlb=1", 1);
-    execv("/proc/self/exe", argv);
-    unsetenv("GLIBC_TUNABLES");  // no restart: go on as we are
 }

@@ -269,7 +269,6 @@ QString pickedFile(const QDir& dir)
 
 int main(int argc, char** argv)
 {
-    RestartWithLargePages(argv);
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     qInstallMessageHandler(quietQtMessages);
     QApplication app(argc, argv);

@@ -7,7 +7,6 @@
 
 int main(int argc, char* argv[])
 {
-    RestartWithLargePages(argv);
     QApplication app(argc, argv);
     InitApplication();
     frmSplash().show();

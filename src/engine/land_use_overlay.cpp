@@ -61,6 +61,7 @@ void Wind_Landuse_Overlay()
         long long pieceFrom = -2;  // ordinal of the pair that left piece
         long long landOrdinal = 0;
 
+        StepText stepText("Overlaying... ");
         landRecords->MoveFirst();
         while (!landRecords->Eof()) {
             step([&] { YieldToEvents(); });
@@ -110,7 +111,7 @@ void Wind_Landuse_Overlay()
                 ++landOrdinal;
             }
 
-            step([&] { ShowProgress(ProgressText("Overlaying... ", double(n) * windCount / double(pairs))); });
+            step([&] { ShowStepProgress(stepText.at(double(n) * windCount / double(pairs))); });
             landRecords->MoveNext();
             ++n;
         }

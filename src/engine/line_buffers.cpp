@@ -43,7 +43,7 @@ std::shared_ptr<overlay::PolygonSet> line_buffer_parts(const QString& sLayerFile
         const double d = double(sngDistance * 1000.0f);  // single precision, as the distance is kept
         int done = 0;
         auto recordText = [&] {
-            ShowProgress("Creating " + layer->Name + " Buffers: " + QString::number(done) + " of " + QString::number(count));
+            ShowStepProgress("Creating " + layer->Name + " Buffers: " + QString::number(done) + " of " + QString::number(count));
         };
 
         records->MoveFirst();
@@ -59,6 +59,7 @@ std::shared_ptr<overlay::PolygonSet> line_buffer_parts(const QString& sLayerFile
                 recordText();
                 records->MoveNext();
             }
+            FlushProgress();
             return std::make_shared<overlay::PolygonSet>(std::move(current));
         }
 
@@ -93,6 +94,7 @@ std::shared_ptr<overlay::PolygonSet> line_buffer_parts(const QString& sLayerFile
             recordText();
             records->MoveNext();
         }
+        FlushProgress();
 
         // Second tier, without a yield; likewise every batch at which a group
         // is full is left out.
@@ -121,10 +123,11 @@ std::shared_ptr<overlay::PolygonSet> line_buffer_parts(const QString& sLayerFile
                 inGroup = 0;
             } else {
                 if (!started) unite(*group, batches[size_t(i - 1)]);
-                ShowProgress("Creating buffer polygon " + QString::number(i) + " out of " + QString::number(batchCount));
+                ShowStepProgress("Creating buffer polygon " + QString::number(i) + " out of " + QString::number(batchCount));
                 ++inGroup;
             }
         }
+        FlushProgress();
 
         // Third tier.
         Buffers total;
@@ -140,8 +143,9 @@ std::shared_ptr<overlay::PolygonSet> line_buffer_parts(const QString& sLayerFile
         const int groupCount = int(groups.size());
         for (int i = start; i <= groupCount; ++i) {
             unite(total, groups[size_t(i - 1)]);
-            ShowProgress("Creating buffer polygon " + QString::number(i) + " out of " + QString::number(groupCount));
+            ShowStepProgress("Creating buffer polygon " + QString::number(i) + " out of " + QString::number(groupCount));
         }
+        FlushProgress();
         return std::make_shared<overlay::PolygonSet>(std::move(total));
     } catch (...) {
         ErrorMessage(" Error Source:md_query_functions2.create_line_buffers()", 48);
@@ -210,6 +214,7 @@ void bufferOverlay(const std::function<ShapePtr(const ShapePtr&)>& cut)
     // A failing cut leaves the previous piece.
     ShapePtr piece;
     int n = 0;
+    StepText stepText("Overlaying... ");
     if (records) {
         records->MoveFirst();
         while (!records->Eof()) {
@@ -226,7 +231,7 @@ void bufferOverlay(const std::function<ShapePtr(const ShapePtr&)>& cut)
                 });
                 if (polygon) overlay::passOver([&] { AppendResult(polygon, *records, "WINDPWRD"); });
             }
-            overlay::passOver([&] { ShowProgress(ProgressText("Overlaying... ", double(n) / double(windCount))); });
+            overlay::passOver([&] { ShowStepProgress(stepText.at(double(n) / double(windCount))); });
             ++n;
             records->MoveNext();
         }

@@ -222,6 +222,35 @@ ShapePtr PolygonSet::intersect(const ShapePtr& shape)
     return unionAll(pieces);
 }
 
+// Likewise only the parts that meet the shape take something away.
+ShapePtr PolygonSet::subtractFrom(const ShapePtr& shape)
+{
+    auto geo = std::dynamic_pointer_cast<GeoShape>(shape);
+    if (!geo) throw MapError("difference of nothing");
+    auto h = geosContext();
+    GeomPtr g = shape->geom();
+    auto test = [](char answer) {
+        if (answer != 0 && answer != 1) throw MapError("predicate failed");
+        return answer == 1;
+    };
+    std::vector<int> hits;
+    for (int i : near(*shape)) {
+        const GEOSPreparedGeometry* p = part(i).prepared();
+        if (envs_[size_t(i)].contains(shape->envelope()) && test(GEOSPreparedContainsProperly_r(h, p, g.get())))
+            return nullptr;
+        if (test(GEOSPreparedIntersects_r(h, p, g.get()))) hits.push_back(i);
+    }
+    if (hits.empty()) return shape;
+    if (hits.size() == 1) return geo->Difference(shapes_[size_t(hits.front())]);
+    // Each of them meets the shape: a pre-test of their union, made for this
+    // cut alone, would only cost its preparation.
+    std::vector<GeomPtr> near;
+    for (int i : hits) near.push_back(parts_[size_t(i)]);
+    PolygonPtr all = unionAll(near);
+    if (!all) return shape;
+    return shapeFromGeom(adoptGeom(GEOSDifference_r(h, g.get(), all->geom().get())));
+}
+
 // --- union ------------------------------------------------------------------------
 
 PolygonPtr unionAll(const std::vector<GeomPtr>& polygons)

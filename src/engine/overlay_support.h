@@ -120,6 +120,10 @@ public:
     // Polygon or none (a failing cut throws). The shape itself comes back
     // when one part holds it in its interior.
     ShapePtr intersect(const ShapePtr& shape);
+    // The same point set as shape->Difference(whole()), and like it none when
+    // nothing is left (a failing cut throws). The shape itself comes back when
+    // no part meets it.
+    ShapePtr subtractFrom(const ShapePtr& shape);
 
 private:
     const GeoShape& part(int i);

@@ -17,21 +17,28 @@ namespace {
 // The dissolve: the first record's shape united with every further polygon,
 // in one cascaded union where it can be; record by record where it cannot,
 // so that a record whose union fails is left out as it would be there.
-ShapePtr dissolve(const RecordsetPtr& records, int stop)
+// united gets the polygons of a cascaded union, whose union the result is.
+ShapePtr dissolve(const RecordsetPtr& records, int stop, std::vector<GeomPtr>& united)
 {
     const GeoDatasetPtr& ds = records->dataset();
     const std::vector<int>& ids = records->ids();
     ShapePtr whole;
     overlay::passOver([&] { whole = ds->shape(ids.front()); });
+    if (whole && whole->shapeType() == moPolygon) united = {whole->geom()};
     if (!whole || stop <= 1) return whole;
 
     try {
         std::vector<GeomPtr> parts{whole->geom()};
         for (int i = 1; i < stop; ++i)
             if (const GeomPtr& g = ds->geom(ids[size_t(i)])) parts.push_back(g);
-        if (whole->shapeType() == moPolygon) return overlay::unionAll(parts);
+        if (whole->shapeType() == moPolygon) {
+            ShapePtr all = overlay::unionAll(parts);
+            united = std::move(parts);
+            return all;
+        }
     } catch (...) {
     }
+    united.clear();
     for (int i = 1; i < stop; ++i) {
         overlay::passOver([&] {
             auto geo = std::dynamic_pointer_cast<GeoShape>(whole);
@@ -81,12 +88,13 @@ void Wind_ProtectedArea_Overlay()
     overlay::passOver([&] { extent = frmMain().Map1->FullExtent(); });
 
     ShapePtr protectedPolygon;
+    std::vector<GeomPtr> united;
     if (protectedRecords) {
         const GeoDatasetPtr& ds = protectedRecords->dataset();
         const std::vector<int>& ids = protectedRecords->ids();
         int stop = 1;
         while (stop < int(ids.size()) && ds->recordShapeType(ids[size_t(stop)]) == moPolygon) ++stop;
-        protectedPolygon = dissolve(protectedRecords, stop);
+        protectedPolygon = dissolve(protectedRecords, stop, united);
         if (stop < int(ids.size())) {
             // A layer of the wrong kind: the cursor does not move on, so the box
             // comes back until the process is ended. Only a seam handler that
@@ -105,8 +113,15 @@ void Wind_ProtectedArea_Overlay()
     overlay::passOver([&] {
         if (protectedPolygon && protectedPolygon->shapeType() == moPolygon) dissolved = asPolygon(protectedPolygon);
     });
-    overlay::NearbyParts nearby(dissolved);
+    // Near a wind polygon the dissolved polygon is the union of the protected
+    // areas that meet it: those few are what each cut takes away.
+    std::unique_ptr<overlay::PolygonSet> areas;
+    overlay::passOver([&] {
+        if (dissolved && !united.empty()) areas = std::make_unique<overlay::PolygonSet>(std::move(united));
+    });
+    overlay::NearbyParts nearby(areas ? nullptr : dissolved);
 
+    StepText stepText("Overlaying... ");
     if (windRecords) {
         windRecords->MoveFirst();
         while (!windRecords->Eof()) {
@@ -120,13 +135,17 @@ void Wind_ProtectedArea_Overlay()
                     overlay::passOver([&] {
                         auto wind = std::dynamic_pointer_cast<GeoShape>(windRecords->Fields()("Shape").shapeValue());
                         if (!wind) throw MapError("no wind shape");
-                        PolygonPtr near = nearby.around(wind->envelope());
-                        remainder = near ? wind->Difference(near, extent) : wind;
+                        if (areas) {
+                            remainder = areas->subtractFrom(wind);
+                        } else {
+                            PolygonPtr near = nearby.around(wind->envelope());
+                            remainder = near ? wind->Difference(near, extent) : wind;
+                        }
                     });
                     if (remainder) overlay::passOver([&] { AppendResult(remainder, *windRecords, "WINDPWRD"); });
                 }
             }
-            overlay::passOver([&] { ShowProgress(ProgressText("Overlaying... ", double(n) / double(windCount))); });
+            overlay::passOver([&] { ShowStepProgress(stepText.at(double(n) / double(windCount))); });
             windRecords->MoveNext();
             ++n;
         }

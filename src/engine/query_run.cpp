@@ -4,6 +4,8 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QPointer>
+#include <cmath>
 
 #include "app/frmMain.h"
 #include "app/messages.h"
@@ -23,6 +25,24 @@ QString keyOf(int count) { return QString::number(count); }
 
 std::function<void(const QString&)> gProgressHook;
 qint64 gRepaintNanoseconds = 0;
+
+// One frame of the screen: a label repainted more often shows nothing more.
+constexpr qint64 kFrameNanoseconds = 16'000'000;
+QElapsedTimer gSinceRepaint;
+// The label whose text waits for the next frame. Its updates are held back
+// meanwhile, or the yield of the next record would paint it all the same.
+QPointer<QLabel> gWaiting;
+
+void repaintProgress(FrmMain& f)
+{
+    if (gWaiting) gWaiting->setUpdatesEnabled(true);
+    gWaiting = nullptr;
+    QElapsedTimer timer;
+    timer.start();
+    f.RepaintNow();
+    gRepaintNanoseconds += timer.nsecsElapsed();
+    gSinceRepaint.start();
+}
 
 }  // namespace
 
@@ -110,6 +130,7 @@ void fill_cShapes_collection(const QString& sQueryName)
         // bQueryRunning stays set: nothing is drawn until a later run ends normally.
         ErrorMessage(" Error Source:md_query_functions2.fill_cShapes_collection()", 48);
     }
+    FlushProgress();  // however the run ended, its last text shows
 }
 
 bool QueryResults()
@@ -157,14 +178,29 @@ void ShowProgress(const QString& text)
 {
     FrmMain& f = frmMain();
     if (gProgressHook) gProgressHook(text);
-    // With one decimal the text changes at most a thousand times a run; a
-    // repaint of a caption that reads the same would show nothing new.
-    if (f.lblWorking->text() == text) return;
+    // A repaint of a caption that reads the same would show nothing new.
+    if (f.lblWorking->text() == text && !gWaiting) return;
     f.lblWorking->setText(text);
-    QElapsedTimer timer;
-    timer.start();
-    f.RepaintNow();
-    gRepaintNanoseconds += timer.nsecsElapsed();
+    repaintProgress(f);
+}
+
+void ShowStepProgress(const QString& text)
+{
+    FrmMain& f = frmMain();
+    if (gProgressHook) gProgressHook(text);
+    if (f.lblWorking->text() == text) return;
+    const bool due = !gSinceRepaint.isValid() || gSinceRepaint.nsecsElapsed() >= kFrameNanoseconds;
+    if (!due && !gWaiting) {
+        f.lblWorking->setUpdatesEnabled(false);
+        gWaiting = f.lblWorking;
+    }
+    f.lblWorking->setText(text);
+    if (due) repaintProgress(f);
+}
+
+void FlushProgress()
+{
+    if (gWaiting) repaintProgress(frmMain());
 }
 
 void SetProgressHook(std::function<void(const QString&)> hook) { gProgressHook = std::move(hook); }
@@ -176,9 +212,32 @@ QString ProgressText(const QString& prefix, double fraction)
     return prefix + conv::FormatPercent(fraction) + QStringLiteral(" finished");
 }
 
+// Away from a tie the percentage rounds to llround(tenths), so the text of the
+// last step serves again; at a tie only the formatting itself can tell.
+const QString& StepText::at(double fraction)
+{
+    const double tenths = fraction * 1000.0;
+    const double half = tenths - std::floor(tenths) - 0.5;
+    const long long rounded = std::isfinite(tenths) && std::fabs(half) > 1e-6 ? std::llround(tenths) : -1;
+    if (rounded < 0 || rounded != tenths_) {
+        text_ = ProgressText(prefix_, fraction);
+        tenths_ = rounded;
+    }
+    return text_;
+}
+
+// What the program posts to itself is served at every yield; the window
+// system is asked for new input (a press of Cancel, the mouse) once a frame,
+// which takes a tenth of a query's time when done at every record.
 void YieldToEvents()
 {
-    QCoreApplication::processEvents();
+    static QElapsedTimer sinceInput;
+    if (!sinceInput.isValid() || sinceInput.nsecsElapsed() >= kFrameNanoseconds) {
+        QCoreApplication::processEvents();
+        sinceInput.start();
+    } else {
+        QCoreApplication::sendPostedEvents();
+    }
 }
 
 void AppendResult(const ShapePtr& shape, Recordset& record, const QString& field)
@@ -187,7 +246,8 @@ void AppendResult(const ShapePtr& shape, Recordset& record, const QString& field
     auto symbol = std::make_shared<Symbol>();
     symbol->Outline = false;
     cShapes->Add(shape, keyOf(cShapes->Count()));
-    SetClassSymbolColor(field, record.Fields()(field).toDouble(), symbol);
+    const Field value = record.Fields()(field);  // looked up once, read twice
+    SetClassSymbolColor(field, value.toDouble(), symbol);
     cSymbols->Add(symbol, keyOf(cSymbols->Count()));
-    cFieldValues->Add(record.Fields()(field).Value(), keyOf(cFieldValues->Count()));
+    cFieldValues->Add(value.Value(), keyOf(cFieldValues->Count()));
 }

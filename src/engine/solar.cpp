@@ -23,6 +23,7 @@ void solar_x_kwhm2_or_better()
         cFieldValues = std::make_shared<Collection<QVariant>>();
         sFieldName = sSolarField;
 
+        StepText stepText(QStringLiteral("Calculating... "));
         for (int i = 0; records && !records->Eof(); ++i, records->MoveNext()) {
             if (i % 50 == 0) YieldToEvents();
             if (bCancelQuery) return;
@@ -35,7 +36,7 @@ void solar_x_kwhm2_or_better()
                 cSymbols->Add(symbol, QString::number(cSymbols->Count()));
                 cFieldValues->Add(fields(sSolarField).Value(), QString::number(cFieldValues->Count()));
             }
-            ShowProgress(ProgressText(QStringLiteral("Calculating... "), double(i) / total));
+            ShowStepProgress(stepText.at(double(i) / total));
         }
         ShowProgress(QStringLiteral("Calculating... finished"));
     } catch (...) {

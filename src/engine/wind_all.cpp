@@ -59,6 +59,7 @@ void windAllOverlay(const std::function<PolygonPtr(const ShapePtr&)>& proximity)
         // Land-use stage: the proximity area cut by each land-use polygon.
         Collection<PolygonPtr> pieces;
         int i = 0;
+        StepText intersecting("Intersecting... ");
         if (records) {
             records->MoveFirst();
             while (!records->Eof()) {
@@ -75,11 +76,12 @@ void windAllOverlay(const std::function<PolygonPtr(const ShapePtr&)>& proximity)
                     }
                     if (polygon) step([&] { pieces.Add(polygon, QString::number(pieces.Count())); });
                 }
-                step([&] { ShowProgress(ProgressText("Intersecting... ", double(i) / double(recordCount))); });
+                step([&] { ShowStepProgress(intersecting.at(double(i) / double(recordCount))); });
                 records->MoveNext();
                 ++i;
             }
         }
+        FlushProgress();
         records.reset();
 
         step([&] {
@@ -98,6 +100,7 @@ void windAllOverlay(const std::function<PolygonPtr(const ShapePtr&)>& proximity)
         // wind records whose boxes meet it, in record order.
         overlay::Selection winds(records);
         int n = 0;
+        StepText overlaying("Overlaying... ");
         for (const PolygonPtr& piece : pieces) {
             step([&] { YieldToEvents(); });
             if (bCancelQuery) return;
@@ -123,7 +126,7 @@ void windAllOverlay(const std::function<PolygonPtr(const ShapePtr&)>& proximity)
                     }
                 }
             }
-            step([&] { ShowProgress(ProgressText("Overlaying... ", double(n) * recordCount / double(steps))); });
+            step([&] { ShowStepProgress(overlaying.at(double(n) * recordCount / double(steps))); });
             ++n;
         }
         step([&] { ShowProgress("Overlaying... finished"); });

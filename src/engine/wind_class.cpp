@@ -23,6 +23,7 @@ void wind_class_x_or_better()
         cFieldValues = std::make_shared<Collection<QVariant>>();
         sFieldName = QStringLiteral("WINDPWRD");
 
+        StepText stepText(QStringLiteral("Calculating... "));
         for (int i = 0; records && !records->Eof(); ++i, records->MoveNext()) {
             if (i % 50 == 0) YieldToEvents();
             if (bCancelQuery) return;
@@ -36,7 +37,7 @@ void wind_class_x_or_better()
                 cSymbols->Add(symbol, QString::number(cSymbols->Count()));
                 cFieldValues->Add(fields("WINDPWRD").Value(), QString::number(cFieldValues->Count()));
             }
-            ShowProgress(ProgressText(QStringLiteral("Calculating... "), double(i) / total));
+            ShowStepProgress(stepText.at(double(i) / total));
         }
         ShowProgress(QStringLiteral("Calculating... finished"));
     } catch (...) {

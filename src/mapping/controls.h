@@ -5,11 +5,9 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QHash>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QRawFont>
 #include <QWidget>
 #include <functional>
 
@@ -80,31 +78,11 @@ public:
     QString Text() const { return text(); }
 };
 
-// The form library's label: plain text, never markup. A query run changes a
-// caption at every record, so a line that fits is put together from pieces
-// shaped once and kept (each run of letters whole, for its ligatures, every
-// other character alone) instead of being laid out anew; any other text
-// (wrapped, disabled, needing another font) is drawn as Qt draws it.
+// The form library's label: plain text, never markup.
 class Label : public QLabel {
     Q_OBJECT
 public:
     explicit Label(const QString& text, QWidget* parent = nullptr) : QLabel(text, parent) { setTextFormat(Qt::PlainText); }
-
-protected:
-    void paintEvent(QPaintEvent* e) override;
-    void changeEvent(QEvent* e) override;
-
-private:
-    struct Piece {
-        QList<quint32> glyphs;
-        QList<QPointF> positions;
-        qreal advance = 0;
-    };
-    const Piece* pieceOf(const QString& text);
-    qreal kerning(QChar a, QChar b);
-    QRawFont raw_;
-    QHash<QString, Piece> pieces_;
-    QHash<quint32, qreal> kerning_;
 };
 
 // The hourglass over the whole program while a long step runs that lets no

@@ -37,6 +37,10 @@ const Scale kSmall{{500e3, 1650e3}, 600e3, 450e3, 240, 30e3, 52e3, 20e3, 40e3, 2
                    5, 8, 6, 20, 8, 5, 30, 20, 8, 10, 15, 5, 20, 10, 5};
 const Scale kLarge{{1700e3, 1700e3}, 3200e3, 2800e3, 900, 50e3, 32e3, 15e3, 40e3, 10e3, 60e3,
                    60, 120, 27, 300, 80, 60, 2000, 500, 100, 150, 300, 60, 400, 40, 20};
+// A mid-sized country at the resolution of a national wind atlas: a 1 km wind
+// grid (about 250,000 cells), 2.5 km solar grids, 20,000 land-use seeds.
+const Scale kHuge{{500e3, 1650e3}, 685e3, 515e3, 400, 5e3, 4.2e3, 1e3, 10e3, 2.5e3, 12e3,
+                  60, 400, 10, 60, 40, 40, 5000, 1500, 100, 150, 300, 40, 400, 20, 10};
 
 
 struct City {
@@ -379,7 +383,8 @@ std::size_t protectedAreas(World& w, const std::string& path, Rng& r)
     static const char* titles[] = {"National Park", "Forest Reserve", "Wildlife Sanctuary", "Nature Reserve"};
     ShapefileWriter out(path, GeomKind::Polygon, {{"NAME", 'C', 60}, {"TYPE", 'C', 30}});
     NameMaker names(r);
-    const double rmax = w.scale.width / (w.scale.protectedAreas > 20 ? 45 : 15);
+    // Many reserves are smaller ones: they cover a share of the country alike.
+    const double rmax = w.scale.width / (w.scale.protectedAreas > 200 ? 85 : w.scale.protectedAreas > 20 ? 45 : 15);
     for (int attempt = 0; static_cast<int>(out.count()) < w.scale.protectedAreas && attempt < 1000; ++attempt) {
         const double rad = r.uniform(rmax / 3, rmax);
         auto shape = w.country.clip(blob(r, w.country.randomInside(r), rad, 48));
@@ -690,8 +695,11 @@ std::string standardName(const std::string& name)
 
 void generate(const std::string& dir, const Options& options)
 {
-    const Scale* scale = options.size == "small" ? &kSmall : options.size == "large" ? &kLarge : nullptr;
-    if (!scale) throw std::runtime_error("unknown size \"" + options.size + "\" (small or large)");
+    const Scale* scale = options.size == "small"   ? &kSmall
+                         : options.size == "large" ? &kLarge
+                         : options.size == "huge"  ? &kHuge
+                                                   : nullptr;
+    if (!scale) throw std::runtime_error("unknown size \"" + options.size + "\" (small, large or huge)");
     std::set<std::string> omit;
     for (const auto& o : options.omit) {
         const std::string s = standardName(o);

@@ -11,7 +11,7 @@
 namespace datagen {
 
 struct Options {
-    std::string size = "small";      // "small" or "large"
+    std::string size = "small";      // "small", "large" or "huge"
     unsigned seed = 1;
     std::set<std::string> omit;      // standard file names, ".shp" optional
     // Called after each file is written, with its name and record count.

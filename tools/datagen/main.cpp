@@ -12,9 +12,9 @@
 namespace {
 
 const char* kUsage =
-    "usage: marlowan-gendata [--size small|large] [--seed N] [--omit FILE[,FILE...]] [--verbose] OUTDIR\n"
-    "       marlowan-gendata --sources [--size small|large] [--seed N] OUTDIR\n"
-    "  --size     small (default) or large, a national-scale stress case\n"
+    "usage: marlowan-gendata [--size small|large|huge] [--seed N] [--omit FILE[,FILE...]] [--verbose] OUTDIR\n"
+       marlowan-gendata --sources [--size small|large|huge] [--seed N] OUTDIR
+    "  --size     small (default); large, a national-scale stress case; huge, a 1 km wind grid\n"
     "  --seed     whole number, default 1; a seed always gives the same files\n"
     "  --omit     standard files to leave out, such as 43_roads.shp or 43_roads\n"
     "  --verbose  list the files written\n"
@@ -70,7 +70,7 @@ int main(int argc, char** argv)
             verbose = true;
         } else if (arg == "--size") {
             if (!takeValue()) return usage("--size needs a value");
-            if (value != "small" && value != "large") return usage("unknown size: " + value);
+            if (value != "small" && value != "large" && value != "huge") return usage("unknown size: " + value);
             options.size = value;
         } else if (arg == "--seed") {
             if (!takeValue() || !parseSeed(value, options.seed)) return usage("--seed needs a whole number");
