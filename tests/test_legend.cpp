@@ -125,6 +125,7 @@ TEST_F(LegendTest, CheckBoxSwitchesVisibleBeforeTheEventAndDrawsNothingItself)
                       Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&legend, &press);
     EXPECT_FALSE(top->Visible);
+    ASSERT_FALSE(seen.isEmpty());
     EXPECT_EQ(seen.last(), "0 0 0");
     EXPECT_EQ(draws, 0) << "the handler refreshes the map, not the legend";
 

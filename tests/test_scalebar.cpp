@@ -138,29 +138,4 @@ TEST(ScaleBar, DivisionsAlternateTheTwoBarColoursInsideAnOutline)
     EXPECT_EQ(rgbAt(sb.grab().toImage(), l.bar.left(), midY), grey);
 }
 
-// The print page takes rows 26 to 47 of the print window's bar and lays the
-// legends over the last third of them: the bar and its labels have to lie in
-// rows 26 to 39.
-TEST(ScaleBar, BarAndLabelsLieInTheBandThePrintedPageShows)
-{
-    for (int mode : {ScaleBar::DivisionLabels, ScaleBar::DivisionLabelsAndUnit}) {
-        ScaleBar sb;
-        configure(sb, ScaleBar::Meters, 0, 100000, 160000, 0);
-        sb.setLabelMode(mode);
-        const QImage im = sb.grab().toImage();
-        const ScaleBar::Layout l = sb.layout();
-        int outside = 0, inside = 0, rightOfBar = 0;
-        for (int y = 0; y < im.height(); ++y)
-            for (int x = 0; x < im.width(); ++x) {
-                if (rgbAt(im, x, y) == 0xFFFFFF) continue;
-                (y < 26 || y > 39 ? outside : inside)++;
-                if (x > l.bar.right() + 2 && qGray(im.pixel(x, y)) < 100) rightOfBar++;
-            }
-        EXPECT_EQ(outside, 0) << mode;
-        EXPECT_GT(inside, 0) << mode;
-        // Only the mode with the unit writes beside the bar.
-        EXPECT_EQ(rightOfBar > 20, mode == ScaleBar::DivisionLabelsAndUnit) << rightOfBar;
-    }
-}
-
 }  // namespace
