@@ -149,10 +149,21 @@ TEST_F(Visibility, DialogOffersTwentySevenLayersAndLeavesTheTwentyEighthAlone)
         EXPECT_EQ(d.chkShowLayers[size_t(i)]->isChecked(), l->Visible) << i;
     }
 
-    // 28 layers: the bottom layer has no box and keeps its state.
+    // 28 layers: Cancel changes nothing, and the next activation shows the truth.
     loadDirectory(q(testsupport::dataset()));
     ASSERT_EQ(map()->Layers().Count(), 28);
+    QList<bool> before, after;
+    for (const MapLayerPtr& l : map()->Layers()) before << l->Visible;
     d.Form_Activate();
+    for (QCheckBox* box : d.chkShowLayers) box->setChecked(!box->isChecked());
+    d.CancelButton_Click();
+    for (const MapLayerPtr& l : map()->Layers()) after << l->Visible;
+    EXPECT_EQ(after, before);
+    EXPECT_FALSE(d.isVisible());
+    d.Form_Activate();
+    for (int i = 0; i < 27; ++i) EXPECT_EQ(d.chkShowLayers[size_t(i)]->isChecked(), before[i]) << i;
+
+    // OK: the bottom layer has no box and keeps its state.
     for (QCheckBox* box : d.chkShowLayers) box->setChecked(true);
     map()->Layers().Item(27)->Visible = false;
     bQueryDrawn = true;
@@ -165,25 +176,6 @@ TEST_F(Visibility, DialogOffersTwentySevenLayersAndLeavesTheTwentyEighthAlone)
     EXPECT_FALSE(main->lblLayersCurrentlyDisplayed->text().contains("Elevation"));
     EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().startsWith("Cities; "));
     EXPECT_NO_BOXES();
-}
-
-TEST_F(Visibility, CancelChangesNothingAndTheNextActivationShowsTheTruth)
-{
-    loadDirectory(q(testsupport::dataset()));
-    QList<bool> before;
-    for (const MapLayerPtr& l : map()->Layers()) before << l->Visible;
-
-    FrmShowLayersDialog& d = frmShowLayersDialog();
-    d.Form_Activate();
-    for (QCheckBox* box : d.chkShowLayers) box->setChecked(!box->isChecked());
-    d.CancelButton_Click();
-    QList<bool> after;
-    for (const MapLayerPtr& l : map()->Layers()) after << l->Visible;
-    EXPECT_EQ(after, before);
-    EXPECT_FALSE(d.isVisible());
-
-    d.Form_Activate();
-    for (int i = 0; i < 27; ++i) EXPECT_EQ(d.chkShowLayers[size_t(i)]->isChecked(), before[i]) << i;
 }
 
 // The real path: the button opens the dialog modally; a pending event ticks
