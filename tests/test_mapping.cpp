@@ -6,8 +6,6 @@
 #include <QFile>
 #include <cmath>
 #include <filesystem>
-#include <gdal_priv.h>
-#include <ogrsf_frmts.h>
 
 #include "datagen.h"
 #include "mapping/dataconnection.h"
@@ -132,11 +130,9 @@ TEST(Selection, TextsKeepLeadingBlanksAndTheExpressionSeesThem)
     }
     EXPECT_EQ(seen, QStringList({"  forest", "forest", "", "FOREST", "  forest", "O'Brien"}));
     // Each text once, in ascending order.
-    ASSERT_EQ(distinct.Count(), 5);
-    EXPECT_EQ(distinct.Item(0), "");
-    EXPECT_EQ(distinct.Item(1), "  forest");
-    EXPECT_EQ(distinct.Item(2), "FOREST");
-    EXPECT_EQ(distinct.Item(4), "forest");
+    QStringList ordered;
+    for (int i = 0; i < distinct.Count(); ++i) ordered << distinct.Item(i);
+    EXPECT_EQ(ordered, QStringList({"", "  forest", "FOREST", "O'Brien", "forest"}));
     EXPECT_FALSE(distinct.Add("forest"));
     EXPECT_EQ(idsOf(lu->SearchExpression("(LAND_USE = '  forest')")), (std::vector<int>{0, 4}));
     EXPECT_EQ(idsOf(lu->SearchExpression("(LAND_USE = 'forest') OR (LAND_USE = 'FOREST')")), (std::vector<int>{1, 3}));
@@ -170,9 +166,8 @@ TEST(Overlays, AreasAgainstHandComputedValues)
     auto a = std::dynamic_pointer_cast<GeoShape>(polygonAt(0, 0, 10));
     ShapePtr b = polygonAt(5, 0, 10);
     ASSERT_TRUE(a);
-    EXPECT_NEAR(asPolygon(a->Intersect(b))->Area(), 50, 1e-9);
-    EXPECT_NEAR(asPolygon(a->Difference(b))->Area(), 50, 1e-9);
-    EXPECT_NEAR(asPolygon(a->Union(b))->Area(), 150, 1e-9);
+    EXPECT_EQ(QList<double>({asPolygon(a->Intersect(b))->Area(), asPolygon(a->Difference(b))->Area(),
+                             asPolygon(a->Union(b))->Area()}), QList<double>({50, 50, 150}));
     // Disjoint, touching along an edge, and wholly inside.
     EXPECT_EQ(a->Intersect(polygonAt(20, 20, 5)), nullptr);
     EXPECT_EQ(a->Intersect(polygonAt(10, 0, 10)), nullptr);
@@ -197,9 +192,7 @@ TEST(Overlays, RectangleScalesAboutItsCentreAndBuffersToAPolygon)
 {
     Rectangle r(0, 0, 100, 50);
     r.ScaleRectangle(0.5);
-    EXPECT_DOUBLE_EQ(r.Left, 25);
-    EXPECT_DOUBLE_EQ(r.Top, 37.5);
-    EXPECT_DOUBLE_EQ(r.Width(), 50);
+    EXPECT_EQ(QList<double>({r.Left, r.Top, r.Width()}), QList<double>({25, 37.5, 50}));
     EXPECT_NEAR(r.Buffer(0)->Area(), 50 * 25, 1e-9);
     auto copy = r.copy();
     copy->ScaleRectangle(2);
@@ -251,100 +244,3 @@ TEST(OpeningFiles, BrokenFilesGiveNoneAndNeverAFailure)
     EXPECT_NE(none.ConnectError, 0);
 }
 
-TEST(CoordinateSystems, ReadFromTheProjectionFileAsItIsSpelled)
-{
-    const std::string dir = testsupport::tempDir("srs");
-    auto wind = layerFor(windFile(dir));
-    auto cs = wind->CoordinateSystem();
-    ASSERT_TRUE(cs);
-    EXPECT_TRUE(cs->IsProjected);
-    EXPECT_EQ(cs->Unit.Name, "Meter");
-    EXPECT_NEAR(cs->Datum.Spheroid.axis, 6378137.0, 1e-6);
-    EXPECT_NEAR(cs->Datum.Spheroid.Flattening, 1 / 298.257223563, 1e-12);
-
-    std::filesystem::remove(dir + "/20_wind.prj");
-    EXPECT_EQ(layerFor(dir + "/20_wind.shp")->CoordinateSystem(), nullptr);
-
-    auto geo = CoordinateSystem::fromWkt(
-        R"(GEOGCS["GCS_WGS_1984",DATUM["D_WGS_1984",SPHEROID["WGS_1984",6378137.0,298.257223563]],PRIMEM["Greenwich",0.0],UNIT["Degree",0.0174532925199433]])");
-    ASSERT_TRUE(geo);
-    EXPECT_FALSE(geo->IsProjected);
-    EXPECT_EQ(geo->Unit.Name, "Degree");
-}
-
-TEST(Writing, ANewShapefileReadsBackWithTheSameShapesAndValuesAndReplacesTheOldSet)
-{
-    const std::string dir = testsupport::tempDir("write");
-    // An older set of the same name, with a stale index that must not survive.
-    datagen::writeShapefile(dir + "/result.shp", GeomKind::Polygon, {{"OLD", 'C', 10}}, {{square(0, 0, 1), {std::string("x")}}});
-    { QFile q(QString::fromStdString(dir + "/result.qix")); q.open(QIODevice::WriteOnly); q.write("stale"); }
-
-    DataConnection conn;
-    conn.Database = QString::fromStdString(dir) + "/";
-    ASSERT_TRUE(conn.Connect());
-    auto desc = std::make_shared<TableDesc>();
-    desc->setFieldCount(1);
-    desc->setFieldName(0, "WINDPWRD");
-    desc->setFieldType(0, moDouble);
-    desc->setFieldPrecision(0, 15);
-    desc->setFieldScale(0, 1);
-    auto srs = CoordinateSystem::fromWkt(QString::fromStdString(datagen::esriPrjText()));
-    auto ds = conn.AddGeoDataset("result", moPolygon, desc, srs);
-    ASSERT_TRUE(ds);
-    auto layer = std::make_shared<MapLayer>();
-    layer->setGeoDataset(ds);
-    const double values[] = {500, 812.5};
-    for (int i = 0; i < 2; ++i) {
-        auto rs = layer->Records();
-        rs->AddNew();
-        rs->Fields().Item("Shape").setShape(polygonAt(i * 100.0, 0, 10 + i));
-        rs->Fields().Item("WINDPWRD").setValue(values[i]);
-        rs->Update();
-    }
-    layer->Records()->StopEditing();
-
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(dir + "/result.qix")));
-    EXPECT_TRUE(QFile::exists(QString::fromStdString(dir + "/result.prj")));
-    GDALDatasetUniquePtr back(GDALDataset::Open((dir + "/result.shp").c_str(), GDAL_OF_VECTOR));
-    ASSERT_TRUE(back);
-    OGRLayer* l = back->GetLayer(0);
-    ASSERT_EQ(l->GetFeatureCount(), 2);
-    EXPECT_EQ(l->GetLayerDefn()->GetFieldCount(), 1);
-    EXPECT_STREQ(l->GetLayerDefn()->GetFieldDefn(0)->GetNameRef(), "WINDPWRD");
-    EXPECT_EQ(l->GetLayerDefn()->GetFieldDefn(0)->GetWidth(), 15);
-    EXPECT_EQ(l->GetLayerDefn()->GetFieldDefn(0)->GetPrecision(), 1);
-    int i = 0;
-    for (auto& f : *l) {
-        EXPECT_DOUBLE_EQ(f->GetFieldAsDouble(0), values[i]);
-        EXPECT_NEAR(f->GetGeometryRef()->toPolygon()->get_Area(), (10.0 + i) * (10.0 + i), 1e-6);
-        ++i;
-    }
-    // The reader of the program sees the same.
-    auto reread = layerFor(dir + "/result.shp");
-    ASSERT_TRUE(reread);
-    EXPECT_EQ(reread->Records()->Count(), 2);
-    EXPECT_EQ(reread->CoordinateSystem()->Unit.Name, "Meter");
-}
-
-TEST(Writing, AFailedSaveLeavesTheOldSetAndNoLeftovers)
-{
-    const std::string dir = testsupport::tempDir("nowrite");
-    datagen::writeShapefile(dir + "/keep.shp", GeomKind::Polygon, {{"V", 'N', 10, 1}}, {{square(0, 0, 1), {1.0}}});
-    const auto sizeBefore = std::filesystem::file_size(dir + "/keep.dbf");
-    auto desc = std::make_shared<TableDesc>();
-    desc->setFieldCount(1);
-    desc->setFieldName(0, "V");
-    desc->setFieldType(0, moDouble);
-    {
-        auto ds = GeoDataset::create(QString::fromStdString(dir + "/keep.shp"), moPolygon, *desc, nullptr);
-        ds->append(polygonAt(0, 0, 5), {QVariant(2.0)});
-        // dropped without StopEditing, as after a failure half way
-    }
-    EXPECT_EQ(std::filesystem::file_size(dir + "/keep.dbf"), sizeBefore);
-    EXPECT_EQ(QDir(QString::fromStdString(dir)).entryList(QDir::Files | QDir::Hidden).size(), 5);  // shp shx dbf cpg prj
-    // A directory that does not exist cannot take a new set.
-    DataConnection conn;
-    conn.Database = QString::fromStdString(dir) + "/keep.shp/";
-    EXPECT_FALSE(conn.Connect());
-    EXPECT_THROW(GeoDataset::create(QString::fromStdString(dir + "/keep.shp/x.shp"), moPolygon, *desc, nullptr), MapError);
-}

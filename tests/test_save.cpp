@@ -209,7 +209,10 @@ TEST_F(SaveTest, AskFirstAboveFiftyFeatures)
 
         const QString ask = "It may take few minutes to save " + QString::number(c.count) + " features. Do you want to continue? ";
         EXPECT_EQ(recorder().texts(), c.asked ? QStringList{ask} : QStringList{});
-        if (c.asked) EXPECT_EQ(recorder().boxes[0].buttons, seam::Buttons::YesNo);
+        if (c.asked) {
+            ASSERT_FALSE(recorder().boxes.empty());
+            EXPECT_EQ(recorder().boxes[0].buttons, seam::Buttons::YesNo);
+        }
         // No dialog at all after a No.
         EXPECT_EQ(recorder().fileRequests.size(), c.written ? 1u : 0u);
         const Saved s = readBack(dir + "/" + out);
@@ -328,22 +331,6 @@ TEST_F(SaveTest, AfterTheOffGridQueryTheValuesOfTheQueryBeforeAreUsed)
     setResult({square(0, 0, 10), square(50, 0, 20)}, "WINDPWRD", {200});
     saveAs("short.shp");
     EXPECT_EQ(recorder().texts(), QStringList{kFailure});
-}
-
-TEST_F(SaveTest, MenuEntriesOfTheMainWindow)
-{
-    setResult({square(0, 0, 10)}, "WINDPWRD", {200});
-    recorder().files.push_back(fileAnswer(QString::fromStdString(dir + "/menu.shp")));
-    frmMain().mnuSave_Click();
-    EXPECT_TRUE(readBack(dir + "/menu.shp").opened);
-
-    // Save As only opens the dialog; it writes nothing.
-    recorder().clear();
-    recorder().files.push_back(fileAnswer(QString::fromStdString(dir + "/as.shp")));
-    frmMain().mnuSaveAs_Click();
-    ASSERT_EQ(recorder().fileRequests.size(), 1u);
-    EXPECT_FALSE(fs::exists(dir + "/as.shp"));
-    EXPECT_TRUE(recorder().boxes.empty());
 }
 
 }  // namespace
