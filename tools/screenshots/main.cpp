@@ -80,8 +80,8 @@ int main(int argc, char** argv)
     f.mnuPrint_Click();
     FrmPrint& print = frmPrint();
     print.txtHeading->setText("Wind sites outside protected areas");
-    print.txtHeading->clearFocus();  // as the press of Print takes it
     ok = save(&print, out.filePath("print-window.png")) && ok;
+    print.cmdPrint->setFocus();  // a click on Print takes the focus, and the caret with it
     const QString pdf = out.filePath("printed-page.pdf");
     print.printTarget = [pdf] { return MakePdfTarget(pdf, 600); };
     print.cmdPrint_Click();
