@@ -122,7 +122,7 @@ TEST_F(MainWindow, TheWindowKeepsItsControlsInViewAndFitsTheScreen)
 TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSizeByTheMarginsMeasuredAtLoad)
 {
     FrmMain& f = *main;
-    EXPECT_EQ((std::array{f.FormHeight(), f.FormWidth(), f.iFrameWidthMargin, f.iMapHeightMargin}),
+    EXPECT_EQ((std::array<int, 4>{f.FormHeight(), f.FormWidth(), f.iFrameWidthMargin, f.iMapHeightMargin}),
               (std::array{8835, 12630, 12630 - 8790, 8835 - 6705}));
     // The height set during the load did not move the map group.
     EXPECT_EQ(rectOf(Twips(f.fraMapHolder)), QRect(3825, 270, 8790, 7710));
