@@ -6,7 +6,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStyle>
-#include <QRegularExpression>
 #include <QTextLayout>
 
 #include "app/frmSplash.h"
@@ -25,10 +24,10 @@ QRect designOf(const QWidget* w) { return w->property("twips").toRect(); }
 
 QString describe(const QWidget* w)
 {
-    QString caption;
-    if (auto* l = qobject_cast<const QLabel*>(w)) caption = l->text();
-    if (auto* b = qobject_cast<const QAbstractButton*>(w)) caption = b->text();
-    if (auto* g = qobject_cast<const QGroupBox*>(w)) caption = g->title();
+    auto* l = qobject_cast<const QLabel*>(w);
+    auto* b = qobject_cast<const QAbstractButton*>(w);
+    auto* g = qobject_cast<const QGroupBox*>(w);
+    const QString caption = l ? l->text() : b ? b->text() : g ? g->title() : QString();
     const QRect d = designOf(w);
     return QString("%1 \"%2\" at %3,%4 %5x%6").arg(w->metaObject()->className(), caption.left(40)).arg(d.x()).arg(d.y()).arg(d.width()).arg(d.height());
 }
@@ -67,10 +66,7 @@ QList<QRect> linesOf(const QFont& font, const QRect& area, int flags, const QStr
 
 // Where a control's caption is drawn, line by line in its parent's
 // coordinates, and whether it fits the control.
-struct Caption {
-    QList<QRect> lines;
-    bool fits = true;
-};
+struct Caption { QList<QRect> lines; bool fits = true; };
 
 std::optional<Caption> captionOf(QWidget* w)
 {
