@@ -13,7 +13,7 @@ namespace {
 
 const char* kUsage =
     "usage: marlowan-gendata [--size small|large|huge] [--seed N] [--omit FILE[,FILE...]] [--verbose] OUTDIR\n"
-       marlowan-gendata --sources [--size small|large|huge] [--seed N] OUTDIR
+    "       marlowan-gendata --sources [--size small|large|huge] [--seed N] OUTDIR\n"
     "  --size     small (default); large, a national-scale stress case; huge, a 1 km wind grid\n"
     "  --seed     whole number, default 1; a seed always gives the same files\n"
     "  --omit     standard files to leave out, such as 43_roads.shp or 43_roads\n"
