@@ -1,14 +1,10 @@
-// The main window: its design, start-up and shut-down, the resize rule and
-// the enabled state of the interface through its states.
-#include <QCoreApplication>
+// The main window: design, start-up, shut-down, resizing and enabled states.
 #include <QDesktopServices>
-#include <QFileInfo>
-#include <QScreen>
-#include <QStyleOptionButton>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QMouseEvent>
-#include <QUrl>
+#include <QScreen>
+#include <QStyleOptionButton>
 
 #include "app/frmSplash.h"
 #include "info/frmInfo.h"
@@ -99,8 +95,7 @@ TEST_F(MainWindow, ChosenOptionsAndTickedBoxesShowTheirMark)
                 for (int x = middle.left(); x <= middle.right(); ++x) darkest = std::min(darkest, image.pixelColor(x, y).lightness());
             return darkest;
         };
-        EXPECT_GT(lightness(false), 160);
-        EXPECT_LT(lightness(true), 100);
+        EXPECT_TRUE(lightness(false) > 160 && lightness(true) < 100);
     }
 }
 
@@ -202,16 +197,14 @@ TEST_F(MainWindow, EnabledStateFollowsTheStateTable)
 TEST_F(MainWindow, EditOrLegendWaitsForTheFirstQuery)
 {
     FrmMain& f = *main;
-    auto shown = [&] { return QString(Visible(f.fraEdit) ? "edit" : "") + (Visible(f.fraLegend) ? "legend" : ""); };
-    f.optEditLegend[1]->setChecked(true);
-    EXPECT_EQ(shown(), "edit") << "no effect while the start-up picture shows";
+    QStringList shown;
+    auto look = [&] { shown << QString(Visible(f.fraEdit) ? "edit" : "") + (Visible(f.fraLegend) ? "legend" : ""); };
+    f.optEditLegend[1]->setChecked(true), look();  // no effect while the start-up picture shows
     f.bFirstQuery = false;
-    f.optEditLegend[0]->setChecked(true), f.optEditLegend[1]->setChecked(true);
-    EXPECT_EQ(shown(), "legend");
-    f.optEditLegend_Click(0);
-    EXPECT_EQ(shown(), "edit");
-    f.EditOrLegend(2);  // any other index shows neither panel
-    EXPECT_EQ(shown(), "");
+    f.optEditLegend[0]->setChecked(true), f.optEditLegend[1]->setChecked(true), look();
+    f.optEditLegend_Click(0), look();
+    f.EditOrLegend(2), look();  // any other index shows neither panel
+    EXPECT_EQ(shown, (QStringList{"edit", "legend", "edit", ""}));
 }
 
 TEST_F(MainWindow, ExitUnloadsEveryFormAndTheNextUseStartsAfresh)
@@ -257,8 +250,7 @@ TEST_F(MainWindow, HelpOpensTheNamedHelpFileOrElseTheUserGuide)
         if (c.browser) QDesktopServices::setUrlHandler("file", &catcher, "open");
         recorder().clear();
         main->mnuHelp_Click();
-        QDesktopServices::unsetUrlHandler("file");
-        help.remove();
+        QDesktopServices::unsetUrlHandler("file"), help.remove();
         EXPECT_EQ(catcher.urls, c.opened.isEmpty() ? QList<QUrl>() : QList<QUrl>{QUrl::fromLocalFile(c.opened)});
         EXPECT_EQ(recorder().texts(), c.box.isEmpty() ? QStringList() : QStringList{c.box});
     }
@@ -277,13 +269,12 @@ TEST_F(MainWindow, SplashLoadsTheMainFormAndShowsItWhenDismissed)
     // A click on the version label does nothing; one on the picture ends the
     // splash and shows the main form; so does a key.
     QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ");
     QCoreApplication::sendEvent(s.lblVersion, &press);
     EXPECT_TRUE(frmSplashExists() && !frmMain().isVisible());
     QCoreApplication::sendEvent(s.imgSplash, &press);
     EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
-    unloadFrmMain();
-    QKeyEvent key(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ");
-    QCoreApplication::sendEvent(&frmSplash(), &key);
+    QCoreApplication::sendEvent((unloadFrmMain(), &frmSplash()), &key);
     EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
     EXPECT_NO_BOXES();
 }
@@ -302,8 +293,7 @@ TEST_F(MainWindow, DrawEventsAreTheBeatOfTheInterface)
     QObject::connect(f.Map1, &Map::BeforeTrackingLayerDraw, &guard, [&](QPainter*) { note("beforeTracking"); });
     QObject::connect(f.Map1, &Map::AfterTrackingLayerDraw, &guard, [&](QPainter*) { note("afterTracking"); });
 
-    f.lblLayersCurrentlyDisplayed->setText("stale");
-    f.Map1->Refresh();
+    f.lblLayersCurrentlyDisplayed->setText("stale"), f.Map1->Refresh();
     ASSERT_GE(seen.size(), 4u);
     EXPECT_EQ(seen.front().event, "before");
     for (size_t i = 0; i + 2 < seen.size(); ++i) {

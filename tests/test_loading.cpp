@@ -24,8 +24,8 @@ const QString kLimitText = QStringLiteral(
 class Loading : public ::testing::Test {
 protected:
     void SetUp() override { main = &freshMain(); }
-    FrmMain* main = nullptr;
     Map* map() { return main->Map1; }
+    FrmMain* main = nullptr;
 };
 
 // The full dataset loads; the limit message needs all 28 standard files and a
@@ -168,9 +168,8 @@ TEST_F(Loading, OpenDatasetUsesOnlyTheDirectoryOfThePickAndAddLayerTakesOneFileU
     main->mnuOpen_Click();  // the recorder cancels
     ASSERT_EQ(recorder().fileRequests.size(), 1u);
     const seam::FileRequest& r = recorder().fileRequests[0];
-    EXPECT_FALSE(r.save);
-    EXPECT_EQ((QStringList{r.title, r.filter, r.defaultExt, r.initialDir}),
-              (QStringList{"Open Dataset", "ESRI Shapefiles (*.shp)|*.shp", ".shp", "/start/here"}));
+    EXPECT_EQ((QStringList{r.title, r.filter, r.defaultExt, r.initialDir, r.save ? "save" : "open"}),
+              (QStringList{"Open Dataset", "ESRI Shapefiles (*.shp)|*.shp", ".shp", "/start/here", "open"}));
 
     // Any file of the directory will do, also one that is not standard.
     const QString dir = q(testsupport::tempDir("open"));
@@ -192,8 +191,8 @@ TEST_F(Loading, OpenDatasetUsesOnlyTheDirectoryOfThePickAndAddLayerTakesOneFileU
     recorder().files.push_back(testsupport::fileAnswer(QDir(dir).filePath("parcels.shp")));
     main->mnuAdd_Click();
     ASSERT_EQ(recorder().fileRequests.size(), 1u);
-    EXPECT_EQ((QStringList{recorder().fileRequests[0].title, recorder().fileRequests[0].filter, recorder().fileRequests[0].defaultExt}),
-              (QStringList{"Add Layer", "*.shp", "shp"}));
+    const seam::FileRequest& add = recorder().fileRequests[0];
+    EXPECT_EQ((QStringList{add.title, add.filter, add.defaultExt}), (QStringList{"Add Layer", "*.shp", "shp"}));
     ASSERT_EQ(map()->Layers().Count(), 2);
     EXPECT_EQ(map()->Layers().Item(0)->Name + "|" + map()->Layers().Item(0)->Tag, "parcels.shp|" + dir + "/");
     EXPECT_EQ(cLayerIndex->Count(), 1);
@@ -240,11 +239,9 @@ void writeWind(const std::string& dir, const std::string& shpt)
                                 : shpt.starts_with("ARC") ? "LINESTRING(" + c + "," + std::to_string(2000 * i + 1000) + " 1000)"
                                 : shpt.starts_with("MULTI") ? "MULTIPOINT((" + c + "))" : "POINT(" + c + ")";
         OGRFeatureUniquePtr f(OGRFeature::CreateFeature(layer->GetLayerDefn()));
-        f->SetField(0, 300.0 + 200 * i);
-        f->SetField(1, " Caf__");
         OGRGeometry* g = nullptr;
         OGRGeometryFactory::createFromWkt(wkt.c_str(), nullptr, &g);
-        f->SetGeometryDirectly(g);
+        f->SetField(0, 300.0 + 200 * i), f->SetField(1, " Caf__"), f->SetGeometryDirectly(g);
         ASSERT_EQ(layer->CreateFeature(f.get()), OGRERR_NONE);
     }
 }
@@ -292,10 +289,9 @@ TEST(RealFiles, LayersLoadAsOtherToolsLeaveThem)
         if (c.ids.size() == 3) dbf[(uchar(dbf[8]) | uchar(dbf[9]) << 8) + (uchar(dbf[10]) | uchar(dbf[11]) << 8)] = '*';
         files["20_wind.cpg"] = c.cpg ? QByteArray(c.cpg) : QByteArray();
         files["20_wind.prj"] = c.prj.isNull() ? QByteArray::fromStdString(datagen::esriPrjText()) : c.prj;
-        for (auto it = files.begin(); it != files.end(); ++it) {
-            QFile f(q(dir) + "/" + it.key());
-            ASSERT_TRUE(it->isNull() ? f.remove() : f.open(QIODevice::WriteOnly) && f.write(*it) == it->size());
-        }
+        for (auto it = files.begin(); it != files.end(); ++it)
+            if (QFile f(q(dir) + "/" + it.key()); !(it->isNull() ? f.remove() : f.open(QIODevice::WriteOnly) && f.write(*it) == it->size()))
+                FAIL() << it.key().toStdString();
         const auto before = filesOf(q(dir));
 
         qrun::panel(dir, qrun::kWindQuery, "200", "Max").cmdUpdateMap->click();
@@ -307,8 +303,7 @@ TEST(RealFiles, LayersLoadAsOtherToolsLeaveThem)
         ASSERT_TRUE(cLayerIndex->contains("20_wind.shp")) << "the layer was passed over";
         const MapLayerPtr wind = frmMain().Map1->Layers().Item(cLayerIndex->Item("20_wind.shp"));
         EXPECT_EQ(wind->shapeType(), c.shpt.starts_with("POLYGON") ? moPolygon : c.shpt.starts_with("ARC") ? moLine : moPoint);
-        EXPECT_EQ(wind->CoordinateSystem() != nullptr, c.prj.isNull());
-        EXPECT_EQ(wind->Records()->ids(), c.ids);
+        EXPECT_TRUE((wind->CoordinateSystem() != nullptr) == c.prj.isNull() && wind->Records()->ids() == c.ids);
         // The text as decoded, leading blank included, is what a search compares.
         const RecordsetPtr named = wind->SearchExpression("NAME = '" + c.name + "' AND FeatureID >= 0");
         EXPECT_EQ(named ? named->ids() : std::vector<int>{}, c.ids);

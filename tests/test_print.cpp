@@ -1,6 +1,5 @@
-// The print window and the printed page: the theme maps behind the legends,
-// the legend bitmaps, the scale bar set-up, the page's geometry at several
-// printer resolutions, its failure at 1200 dpi, and what a printed PDF shows.
+// The print window: theme maps, legend bitmaps, scale bar, the page's
+// geometry and failure by resolution, PDF naming, and what a printed PDF shows.
 #include <QClipboard>
 #include <QCoreApplication>
 #include <QDir>
@@ -60,16 +59,8 @@ int countColour(const QImage& im, const QRect& area, QColor c, int tolerance)
 
 class Print : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        UnloadFrmPrint();
-        main = &freshMain();
-    }
-    void TearDown() override
-    {
-        UnloadFrmPrint();
-        unloadFrmMain();
-    }
+    void SetUp() override { UnloadFrmPrint(), main = &freshMain(); }
+    void TearDown() override { UnloadFrmPrint(), unloadFrmMain(); }
 
     // Loads the directory (into a fresh main window if asked), lets `before`
     // change the main map, and opens the print window.
@@ -97,8 +88,7 @@ protected:
     bool printTo(FrmPrint& f, const QString& path, int dpi)
     {
         f.printTarget = [path, dpi] { return MakePdfTarget(path, dpi); };
-        f.cmdPrint_Click();
-        return f.lastPrintSucceeded;
+        return f.cmdPrint_Click(), f.lastPrintSucceeded;
     }
 
     FrmMain* main = nullptr;
@@ -317,8 +307,7 @@ TEST_F(Print, WithoutAPrinterThePageGoesToAPdfInTheDocumentsFolder)
 
     const QString home = q(testsupport::tempDir("home"));
     const QByteArray oldHome = qgetenv("HOME"), oldConfig = qgetenv("XDG_CONFIG_HOME");
-    qputenv("HOME", home.toUtf8());
-    qputenv("XDG_CONFIG_HOME", (home + "/config").toUtf8());
+    qputenv("HOME", home.toUtf8()), qputenv("XDG_CONFIG_HOME", (home + "/config").toUtf8());
     FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
     f.txtHeading->setText("Sites: north");
     f.printTarget = [&f] { return MakeDefaultPrintTarget(f.txtHeading->text(), false); };
@@ -354,18 +343,17 @@ TEST_F(Print, PrintedPdfShowsTheResultHeadingScaleBarAndLegends)
         for (const MapLayerPtr& l : map1->Layers()) l->Visible = l->Tag == "39_countryboundary.shp" || l->Tag == "43_roads.shp";
     });
     // The result: the middle of the full extent, its left half in a low wind class, its right half in a high one.
-    auto low = std::make_shared<Symbol>(), high = std::make_shared<Symbol>();
-    SetClassSymbolColor("WINDPWRD", 250, low), SetClassSymbolColor("WINDPWRD", 900, high);
-    const int lowClass = low->Color, highClass = high->Color;
+    const SymbolPtr symbols[] = {std::make_shared<Symbol>(), std::make_shared<Symbol>()};
+    SetClassSymbolColor("WINDPWRD", 250, symbols[0]), SetClassSymbolColor("WINDPWRD", 900, symbols[1]);
+    const int lowClass = symbols[0]->Color, highClass = symbols[1]->Color;
     ASSERT_NE(lowClass, highClass);
     cShapes = std::make_shared<Collection<ShapePtr>>();
     cSymbols = std::make_shared<Collection<SymbolPtr>>();
     const RectanglePtr e = frmMain().Map1->FullExtent();
     for (int i : {0, 1}) {
         const double l = e->Left + e->Width() * (1 + i) / 4, b = e->Bottom + e->Height() / 4;
-        auto symbol = std::make_shared<Symbol>();
-        symbol->Color = i ? highClass : lowClass, symbol->Outline = false;
-        cSymbols->Add(symbol, QString::number(i));
+        symbols[i]->Outline = false;
+        cSymbols->Add(symbols[i], QString::number(i));
         const QString wkt = QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(l, 0, 'f', 3).arg(b, 0, 'f', 3)
                                 .arg(l + e->Width() / 4, 0, 'f', 3).arg(b + e->Height() / 2, 0, 'f', 3);
         cShapes->Add(shapeFromGeom(geomFromWkt(wkt.toStdString().c_str())), QString::number(i));

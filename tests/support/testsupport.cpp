@@ -3,7 +3,6 @@
 #include "app/application.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QFileInfo>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -63,23 +62,14 @@ std::string dataset(const std::string& size, unsigned seed, const std::set<std::
     for (const auto& o : omit) key += "-" + o;
     auto it = made.find(key);
     if (it != made.end()) return it->second;
-    std::string dir = tempDir("data-" + std::to_string(made.size()));
-    datagen::Options opt;
-    opt.size = size;
-    opt.seed = seed;
-    opt.omit = omit;
-    datagen::generate(dir, opt);
-    made[key] = dir;
-    return dir;
+    const std::string dir = tempDir("data-" + std::to_string(made.size()));
+    datagen::generate(dir, {.size = size, .seed = seed, .omit = omit});
+    return made[key] = dir;
 }
 
 seam::FileAnswer fileAnswer(const QString& path)
 {
-    seam::FileAnswer a;
-    a.cancelled = false;
-    a.fileName = path;
-    a.fileTitle = QFileInfo(path).fileName();
-    return a;
+    return {false, path, QFileInfo(path).fileName()};
 }
 
 }  // namespace testsupport
