@@ -42,11 +42,8 @@ QList<QRect> linesOf(const QFont& font, const QRect& area, int flags, const QStr
     layout.setTextOption(option);
     layout.beginLayout();
     qreal height = 0;
-    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-        line.setLineWidth(area.width());
-        line.setPosition(QPointF(0, height));
-        height += line.height();
-    }
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine())
+        line.setLineWidth(area.width()), line.setPosition(QPointF(0, height)), height += line.height();
     layout.endLayout();
     const qreal dy = flags & Qt::AlignVCenter ? (area.height() - height) / 2 : flags & Qt::AlignBottom ? area.height() - height : 0;
     QList<QRect> out;
@@ -171,10 +168,8 @@ TEST(Layout, EveryCaptionFitsInEveryFormAndArrangement)
     f.optEditLegend[1]->setChecked(true);
     problems << problemsOf(&f, "legend");
 
-    FrmShowLayersDialog& layers = frmShowLayersDialog();
-    layers.Form_Activate();
-    problems << problemsOf(&layers, "Change Layers");
-
+    frmShowLayersDialog().Form_Activate();
+    problems << problemsOf(&frmShowLayersDialog(), "Change Layers");
     ShowFrmInfo();
     problems << problemsOf(&frmInfo(), "Map Information");
 
@@ -188,8 +183,7 @@ TEST(Layout, EveryCaptionFitsInEveryFormAndArrangement)
 
     f.mnuPrint_Click();
     problems << problemsOf(&frmPrint(), "Print Map");
-    UnloadFrmPrint();
-    unloadFrmMain();
+    UnloadFrmPrint(), unloadFrmMain();
     EXPECT_TRUE(problems.isEmpty()) << TwipsPerPixel << " twips to the pixel\n" << problems.join("\n").toStdString();
 }
 

@@ -1,7 +1,5 @@
 // Opening a dataset: which files become layers, in which order, and what the
 // user is told when the directory or its files are not as expected.
-#include <QDir>
-#include <QFile>
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
@@ -32,19 +30,13 @@ protected:
 // further entry listed behind the last of them, which is never looked at.
 TEST_F(Loading, FullDatasetStacksByNameAndTheLimitMessageOnlyWhenAnEntryFollowsTheTwentyEighthLayer)
 {
-    struct Case { const char* extra; bool message; };
-    const Case cases[] = {
-        {nullptr, false},          // ends exactly at the 28th layer
-        {"zz_extra", true},        // a non-standard file after 59_cities.shp
-        {"00_extra", false},       // listed first: the loop ends on the last standard file
-    };
-    int n = 0;
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.extra ? c.extra : "none");
+    // None: it ends exactly at the 28th layer; a non-standard file after 59_cities.shp;
+    // one listed first, where the loop ends on the last standard file.
+    for (const auto& [extra, message] : {std::pair{"", false}, {"zz_extra", true}, {"00_extra", false}}) {
+        SCOPED_TRACE(extra);
         freshMain();
-        const QString dir = copyOfDataset("limit" + std::to_string(n++));
-        if (c.extra)
-            writeFeatures(QDir(dir).filePath(QString(c.extra) + ".shp").toStdString(), 1);
+        const QString dir = copyOfDataset(std::string("limit") + extra);
+        if (*extra) writeFeatures(QDir(dir).filePath(QString(extra) + ".shp").toStdString(), 1);
         loadDirectory(dir);
         // Stacked by name with the cities on top, every tag indexed, styled by the presentation table.
         const LayersCollection& layers = frmMain().Map1->Layers();
@@ -54,7 +46,7 @@ TEST_F(Loading, FullDatasetStacksByNameAndTheLimitMessageOnlyWhenAnEntryFollowsT
         for (int i = 0; i < 28; ++i) EXPECT_EQ(cLayerIndex->Item(layers.Item(i)->Tag), i);
         EXPECT_EQ(sDataDirectory, dir + "/");
         EXPECT_EQ(oDataConnection ? oDataConnection->Database : QString(), sDataDirectory);
-        EXPECT_EQ(recorder().texts(), c.message ? QStringList{kLimitText} : QStringList());
+        EXPECT_EQ(recorder().texts(), message ? QStringList{kLimitText} : QStringList());
         // The layers that are in are indexed and the legend is rebuilt all the same.
         EXPECT_TRUE(cLayerIndex->Count() == 28 && frmMain().legend->entryCount() == 28);
     }
