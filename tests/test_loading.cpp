@@ -65,8 +65,7 @@ TEST_F(Loading, RefusedConnectionOrNoShapefilesKeepTheLegendAndNoStandardFileEmp
     EXPECT_EQ(recorder().boxes[0].text, "No data found... Data Connection error #1");
     EXPECT_EQ(recorder().boxes[0].icon, seam::Icon::Exclamation);
     EXPECT_TRUE(map()->Layers().Count() == 0 && cLayerIndex->Count() == 0 && main->legend->entryCount() == 28);
-    EXPECT_EQ(sDataDirectory, missing + "/");
-    EXPECT_EQ(oDataConnection ? oDataConnection->Database : QString(), missing + "/");
+    EXPECT_TRUE(sDataDirectory == missing + "/" && oDataConnection && oDataConnection->Database == missing + "/");
     recorder().clear();
 
     // No .shp at all: the legend stays as it was.
@@ -116,9 +115,7 @@ TEST_F(Loading, ASecondLoadReplacesTheLayersPassesOverUnreadableFilesAndLeavesTh
     const QString dir = q(testsupport::tempDir("second"));
     writeFeaturesIn(dir, "21_wind.shp", 4);
     writeFeaturesIn(dir, "51_powerplant.shp", 2, datagen::GeomKind::Point);
-    QFile bad(QDir(dir).filePath("43_roads.shp"));
-    ASSERT_TRUE(bad.open(QIODevice::WriteOnly) && bad.write("this is not a shapefile at all") > 0);
-    bad.close();
+    if (QFile bad(QDir(dir).filePath("43_roads.shp")); !bad.open(QIODevice::WriteOnly) || bad.write("not a shapefile at all") < 0) FAIL();
     loadDirectory(dir);
 
     EXPECT_NO_BOXES();
@@ -137,9 +134,8 @@ TEST_F(Loading, ThePickedNameCutsThePathAnEmptyOneOnlyClearsTheMapAndOneNotInThe
     writeFeaturesIn(dir, "21_wind.shp/21_wind.shp", 1);
     writeFeaturesIn(dir, "39_countryboundary.shp", 1);
     LoadProject("21_wind.shp", dir + "/21_wind.shp/21_wind.shp", main->Map1, main->legend);
-    EXPECT_EQ(sDataDirectory, dir + "/");
     // The folder named like a shapefile is no file and is not listed.
-    EXPECT_EQ(tags(map()), QStringList{"39_countryboundary.shp"});
+    EXPECT_TRUE(sDataDirectory == dir + "/" && tags(map()) == QStringList{"39_countryboundary.shp"});
 
     LoadProject("", "", main->Map1, main->legend);
     EXPECT_TRUE(map()->Layers().Count() == 0 && cLayerIndex->Count() == 0 && sDataDirectory == dir + "/");
@@ -148,10 +144,8 @@ TEST_F(Loading, ThePickedNameCutsThePathAnEmptyOneOnlyClearsTheMapAndOneNotInThe
     // A picked name missing from the path is a load failure.
     loadDirectory(dir);
     LoadProject("20_wind.shp", "/somewhere/else.shp", main->Map1, main->legend);
-    EXPECT_EQ(recorder().texts(),
-              QStringList{" Error while loading the project. Error Source:md_functions.LoadProject()"});
-    // The old layers went at the first step.
-    EXPECT_EQ(map()->Layers().Count(), 0);
+    EXPECT_EQ(recorder().texts(), QStringList{" Error while loading the project. Error Source:md_functions.LoadProject()"});
+    EXPECT_EQ(map()->Layers().Count(), 0);  // the old layers went at the first step
 }
 
 TEST_F(Loading, OpenDatasetUsesOnlyTheDirectoryOfThePickAndAddLayerTakesOneFileUnstyled)
@@ -167,10 +161,9 @@ TEST_F(Loading, OpenDatasetUsesOnlyTheDirectoryOfThePickAndAddLayerTakesOneFileU
     const QString dir = q(testsupport::tempDir("open"));
     writeFeaturesIn(dir, "parcels.shp", 1);
     writeFeaturesIn(dir, "38_subcountrybnd1.shp", 2);
-    recorder().files.push_back(testsupport::fileAnswer(QDir(dir).filePath("parcels.shp")));
-    main->mnuOpen_Click();
-    EXPECT_EQ(tags(map()), QStringList{"38_subcountrybnd1.shp"});
-    EXPECT_EQ(sDataDirectory, dir + "/");
+    auto pick = [&](const QString& path) { recorder().files.push_back(testsupport::fileAnswer(path)); };
+    pick(QDir(dir).filePath("parcels.shp")), main->mnuOpen_Click();
+    EXPECT_TRUE(tags(map()) == QStringList{"38_subcountrybnd1.shp"} && sDataDirectory == dir + "/");
 
     // Cancelled over a loaded dataset: it stays in place.
     const auto index = cLayerIndex;
@@ -180,8 +173,7 @@ TEST_F(Loading, OpenDatasetUsesOnlyTheDirectoryOfThePickAndAddLayerTakesOneFileU
 
     // Add Layer puts the file on top, unstyled, with its directory as tag and unindexed.
     recorder().clear();
-    recorder().files.push_back(testsupport::fileAnswer(QDir(dir).filePath("parcels.shp")));
-    main->mnuAdd_Click();
+    pick(QDir(dir).filePath("parcels.shp")), main->mnuAdd_Click();
     ASSERT_EQ(recorder().fileRequests.size(), 1u);
     const seam::FileRequest& add = recorder().fileRequests[0];
     EXPECT_EQ((QStringList{add.title, add.filter, add.defaultExt}), (QStringList{"Add Layer", "*.shp", "shp"}));
@@ -192,15 +184,13 @@ TEST_F(Loading, OpenDatasetUsesOnlyTheDirectoryOfThePickAndAddLayerTakesOneFileU
     EXPECT_NO_BOXES();
 
     // A name that cannot be opened.
-    recorder().files.push_back(testsupport::fileAnswer(QDir(dir).filePath("ghost.shp")));
-    main->mnuAdd_Click();
+    pick(QDir(dir).filePath("ghost.shp")), main->mnuAdd_Click();
     EXPECT_EQ(recorder().texts(), QStringList{"Error opening shapefile ghost.shp"});
     EXPECT_EQ(map()->Layers().Count(), 2);
 
     // A directory that is not there.
     recorder().clear();
-    recorder().files.push_back(testsupport::fileAnswer(dir + "/gone/parcels.shp"));
-    main->mnuAdd_Click();
+    pick(dir + "/gone/parcels.shp"), main->mnuAdd_Click();
     EXPECT_EQ(recorder().texts(), QStringList{"Data Connection error #1"});
     EXPECT_EQ(sDataDirectory, dir + "/gone/");
 }

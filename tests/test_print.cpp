@@ -109,8 +109,8 @@ TEST_F(Print, WindowDesignMenuAndCancel)
     EXPECT_EQ(QList<QWidget*>({seenAt(f.pictEmbedScalebar), seenAt(f.legend1), seenAt(f.Picture1), seenAt(f.Picture3)}),
               QList<QWidget*>({f.sbMapView, f.Picture4, f.Picture1, f.Picture3}));
     // The heading starts empty and takes at most fifty characters, centred in bold.
-    EXPECT_TRUE(f.txtHeading->text().isEmpty() && f.txtHeading->maxLength() == 50);
-    EXPECT_TRUE((f.txtHeading->alignment() & Qt::AlignHCenter) && f.txtHeading->font().bold());
+    EXPECT_TRUE(f.txtHeading->text().isEmpty() && f.txtHeading->maxLength() == 50 && (f.txtHeading->alignment() & Qt::AlignHCenter) &&
+                f.txtHeading->font().bold());
 
     QPointer<FrmPrint> form(&f);
     f.Command2->click();
