@@ -78,19 +78,16 @@ std::set<double> realColumn(const fs::path& shp, const std::string& field)
 
 using Fields = std::vector<std::pair<std::string, char>>;  // 'C', 'N', 'I'
 
-Fields solarFields(const std::string& suffix)
-{
-    Fields f = {{"Cell_ID", 'I'}, {"Gridcode", 'I'}, {"Lon", 'N'}, {"Lat", 'N'}};
-    for (const char* m : {"JAN", "FEB", "MAR", "APR", "MAY", "JUN", "JUL", "AUG", "SEP", "OCT", "NOV", "DEC", "ANN"})
-        f.push_back({m + suffix, 'N'});
-    return f;
-}
-
+// The geometry and fields of each standard file.
 const std::map<std::string, std::pair<OGRwkbGeometryType, Fields>>& expectations()
 {
+    auto solar = [](const std::string& suffix) {
+        Fields f = {{"Cell_ID", 'I'}, {"Gridcode", 'I'}, {"Lon", 'N'}, {"Lat", 'N'}};
+        for (const char* m : {"JAN", "FEB", "MAR", "APR", "MAY", "JUN", "JUL", "AUG", "SEP", "OCT", "NOV", "DEC", "ANN"}) f.push_back({m + suffix, 'N'});
+        return f;
+    };
     const Fields name = {{"NAME", 'C'}}, namePop = {{"NAME", 'C'}, {"POP", 'I'}}, speed = {{"SPEED", 'N'}},
-                 nameType = {{"NAME", 'C'}, {"TYPE", 'C'}}, dir = solarFields("DIR"), tilt = solarFields("TILT"),
-                 glo = solarFields("GLO");
+                 nameType = {{"NAME", 'C'}, {"TYPE", 'C'}}, dir = solar("DIR"), tilt = solar("TILT"), glo = solar("GLO");
     static const std::map<std::string, std::pair<OGRwkbGeometryType, Fields>> e = {
         {"01_elevation.shp", {wkbPolygon, {{"Elev_m", 'N'}}}}, {"02_landuse.shp", {wkbPolygon, {{"LAND_USE", 'C'}}}},
         {"11_solar_direct.shp", {wkbPolygon, dir}}, {"12_solar_tilt.shp", {wkbPolygon, tilt}}, {"13_solar_direct.shp", {wkbPolygon, dir}},

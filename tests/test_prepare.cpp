@@ -56,17 +56,14 @@ void writeTiff(const std::string& path, int epsg, double x0, double yTop, double
 // A GeoJSON file in longitude/latitude with one text field.
 void writeGeoJson(const std::string& path, const std::vector<std::pair<std::string, std::string>>& features)
 {
-    std::string text = R"({"type":"FeatureCollection","features":[)";
-    for (size_t i = 0; i < features.size(); ++i) {
+    std::string text;
+    for (const auto& [wkt, name] : features) {
         OGRGeometry* g = nullptr;
-        OGRGeometryFactory::createFromWkt(features[i].first.c_str(), nullptr, &g);
-        char* json = g->exportToJson();
-        text += std::string(i ? "," : "") + R"({"type":"Feature","properties":{"name":")" + features[i].second +
-                R"("},"geometry":)" + json + "}";
-        CPLFree(json);
-        OGRGeometryFactory::destroyGeometry(g);
+        OGRGeometryFactory::createFromWkt(wkt.c_str(), nullptr, &g);
+        const std::unique_ptr<char, void (*)(void*)> json(OGRGeometryUniquePtr(g)->exportToJson(), VSIFree);
+        text += (text.empty() ? "" : ",") + std::string(R"({"type":"Feature","properties":{"name":")") + name + R"("},"geometry":)" + json.get() + "}";
     }
-    writeText(path, text + "]}");
+    writeText(path, R"({"type":"FeatureCollection","features":[)" + text + "]}");
 }
 
 // The country "Home", 2 km high and `width` m wide, in the generated system
