@@ -119,33 +119,26 @@ TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSizeByTheMarginsMeasuredAtLoad)
     FrmMain& f = *main;
     EXPECT_EQ((std::array<int, 4>{f.FormHeight(), f.FormWidth(), f.iFrameWidthMargin, f.iMapHeightMargin}),
               (std::array{8835, 12630, 12630 - 8790, 8835 - 6705}));
-    // The height set during the load did not move the map group.
-    EXPECT_EQ(rectOf(Twips(f.fraMapHolder)), QRect(3825, 270, 8790, 7710));
-    EXPECT_EQ(rectOf(Twips(f.Map1)), QRect(90, 630, 8565, 6705));
     const TwipsRect left = Twips(f.fraStartUpImage), scale = Twips(f.cboScale);
-
-    // Before the load has finished a resize changes nothing.
-    f.bFormLoaded = false;
-    f.setFormSize(15000, 10000);
-    EXPECT_EQ(rectOf(Twips(f.Map1)), QRect(90, 630, 8565, 6705));
-    f.bFormLoaded = true;
-
-    f.setFormSize(12630 + 1500, 8835 + 750);
-    EXPECT_EQ(rectOf(Twips(f.fraMapHolder)), QRect(3825, 270, 8790 + 1500, 7710 + 750));
-    EXPECT_EQ(rectOf(Twips(f.Map1)), QRect(90, 630, 8565 + 1500, 6705 + 750));
-    EXPECT_EQ(Twips(f.lblMapNote).Top, 630 + 6705 + 750 + 45);
+    // The height set during the load did not move the map group; before the load has finished a resize changes
+    // nothing; after it the group follows the form until a difference reaches zero, and then keeps its last size.
+    struct Step { bool loaded; int width, height; QRect frame, map; };
+    const Step steps[] = {
+        {true, 12630, 8835, {3825, 270, 8790, 7710}, {90, 630, 8565, 6705}},
+        {false, 15000, 10000, {3825, 270, 8790, 7710}, {90, 630, 8565, 6705}},
+        {true, 12630 + 1500, 8835 + 750, {3825, 270, 8790 + 1500, 7710 + 750}, {90, 630, 8565 + 1500, 6705 + 750}},
+        {true, 4500, 3000, {3825, 270, 4500 - 3840, 3000 - 1125}, {90, 630, 4500 - 4065, 3000 - 2130}},
+        {true, 12630 - 8790, 3000, {3825, 270, 4500 - 3840, 3000 - 1125}, {90, 630, 4500 - 4065, 3000 - 2130}},
+        {true, 6000, 8835 - 6705 - 15, {3825, 270, 4500 - 3840, 3000 - 1125}, {90, 630, 4500 - 4065, 3000 - 2130}},
+    };
+    for (const Step& step : steps) {
+        f.bFormLoaded = step.loaded;
+        if (&step != steps) f.setFormSize(step.width, step.height);
+        f.bFormLoaded = true;
+        EXPECT_EQ(QList({rectOf(Twips(f.fraMapHolder)), rectOf(Twips(f.Map1))}), QList({step.frame, step.map})) << step.width << "x" << step.height;
+        EXPECT_EQ(Twips(f.lblMapNote).Top, step.map.bottom() + 1 + 45);
+    }
     EXPECT_TRUE(rectOf(Twips(f.fraStartUpImage)) == rectOf(left) && Twips(f.cboScale).Left == scale.Left);  // nothing else moves
-
-    f.setFormSize(4500, 3000);
-    ASSERT_EQ(f.FormWidth(), 4500);
-    EXPECT_EQ(Twips(f.Map1).Width, 4500 - f.iMapWidthMargin);
-
-    // Once a difference reaches zero nothing changes: the group keeps its last size.
-    f.setFormSize(f.iFrameWidthMargin, 3000);
-    ASSERT_EQ(f.FormWidth(), f.iFrameWidthMargin);
-    EXPECT_TRUE(Twips(f.Map1).Width == 4500 - f.iMapWidthMargin && Twips(f.fraMapHolder).Width == 4500 - f.iFrameWidthMargin);
-    f.setFormSize(6000, f.iMapHeightMargin - 15);
-    EXPECT_EQ(Twips(f.Map1).Width, 4500 - f.iMapWidthMargin);
     EXPECT_NO_BOXES();
 }
 
