@@ -231,6 +231,7 @@ TEST_F(Print, ScaleBarIsSetUpFromThePreviewAndTheTopLayersUnit)
     const ScaleBar defaults;
     EXPECT_EQ(g.sbMapView->Divisions(), 3) << "set before the unit is looked at";
     EXPECT_EQ(std::pair(g.sbMapView->BarWidthRatio(), g.sbMapView->LabelMode()), std::pair(defaults.BarWidthRatio(), defaults.LabelMode()));
+    EXPECT_FALSE(g.Picture1->Picture().isNull());
 
     // No font: a plain box, and nothing after the extents is set.
     g.createFont = [] { return std::optional<QFont>(); };
