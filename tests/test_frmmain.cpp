@@ -1,14 +1,10 @@
-// The main window: its design, start-up and shut-down, the resize rule and
-// the enabled state of the interface through its states.
-#include <QCoreApplication>
+// The main window: design, start-up, shut-down, resizing and enabled states.
 #include <QDesktopServices>
-#include <QFileInfo>
-#include <QScreen>
-#include <QStyleOptionButton>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QMouseEvent>
-#include <QUrl>
+#include <QScreen>
+#include <QStyleOptionButton>
 
 #include "app/frmSplash.h"
 #include "info/frmInfo.h"
@@ -56,36 +52,25 @@ TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
     };
     for (const Placed& p : table) {
         SCOPED_TRACE(p.name);
-        EXPECT_EQ(p.widget->parentWidget(), p.container);
+        EXPECT_TRUE(p.widget->parentWidget() == p.container && captionOf(p.widget) == p.caption);
         EXPECT_EQ(rectOf(Twips(p.widget)), p.at);
         // Edges are rounded to pixels, so controls that meet in the design meet on the screen.
         const QRect g = p.widget->geometry();
         EXPECT_EQ((std::array{g.left(), g.top(), g.right() + 1, g.bottom() + 1}),
                   (std::array{TwipsToPx(p.at.x()), TwipsToPx(p.at.y()), TwipsToPx(p.at.x() + p.at.width()), TwipsToPx(p.at.y() + p.at.height())}));
-        EXPECT_EQ(captionOf(p.widget), p.caption);
     }
     // The state the load leaves.
     EXPECT_TRUE(f.bFormLoaded && f.bFirstQuery && bShowMarkedShape && f.iToolMode == 1 && f.iZoomFactor == 2);
     EXPECT_TRUE(f.optPanZoom[1]->isChecked() && f.optEditLegend[0]->isChecked());
     EXPECT_EQ(sDataDirectory, QCoreApplication::applicationDirPath());
-    QStringList standard;
-    for (const std::string& s : datagen::standardFiles()) standard << q(s);
-    EXPECT_EQ(QStringList(sStandardFiles.begin(), sStandardFiles.end()), standard);
     EXPECT_EQ(f.windowTitle(), "Marlowan");
-    EXPECT_TRUE(f.lblMapNote->text().startsWith(
-        "Marlowan from Kelvora, a Tessimar Project.  For data source information, goto "));
+    EXPECT_TRUE(f.lblMapNote->text().startsWith("Marlowan from Kelvora, a Tessimar Project.  For data source information, goto "));
     EXPECT_EQ(f.lblWorking->text(), "");  // emptied by the base-map selection at start
     EXPECT_EQ(ForeColor(f.lblWorking), RGB(0, 0, 255));
-    EXPECT_GE(f.cmdUpdateMap->font().pointSizeF(), 9);  // a normal desktop size
-
     // File holds four entries; Help stands beside it.
-    auto texts = [](const QList<QAction*>& actions) {
-        QStringList out;
-        for (QAction* a : actions) out << a->text();
-        return out;
-    };
-    EXPECT_EQ(texts(f.mnuFile->actions()), (QStringList{"Open Dataset...", "Save Result", "Print", "Exit"}));
-    EXPECT_EQ(texts(f.menuBar()->actions()), (QStringList{"File", "Help"}));
+    QStringList menus;
+    for (QAction* a : f.mnuFile->actions() + f.menuBar()->actions()) menus << a->text();
+    EXPECT_EQ(menus, (QStringList{"Open Dataset...", "Save Result", "Print", "Exit", "File", "Help"}));
 }
 
 // Each option button and check box shows a dark mark in its light box when
@@ -110,8 +95,7 @@ TEST_F(MainWindow, ChosenOptionsAndTickedBoxesShowTheirMark)
                 for (int x = middle.left(); x <= middle.right(); ++x) darkest = std::min(darkest, image.pixelColor(x, y).lightness());
             return darkest;
         };
-        EXPECT_GT(lightness(false), 160);
-        EXPECT_LT(lightness(true), 100);
+        EXPECT_TRUE(lightness(false) > 160 && lightness(true) < 100);
     }
 }
 
@@ -125,49 +109,36 @@ TEST_F(MainWindow, TheWindowKeepsItsControlsInViewAndFitsTheScreen)
     EXPECT_TRUE(f.width() <= std::max(screen.width(), f.minimumWidth()) && f.height() <= std::max(screen.height(), f.minimumHeight()));
     f.resize(10, 10);
     ASSERT_EQ(f.size(), f.minimumSize());
-    for (QWidget* w : std::initializer_list<QWidget*>{f.cmdZoomOut, f.cboScale, f.cmdUpdateMap, f.cmdChangeLayers}) {
-        const QRect at(w->mapTo(&f, QPoint(0, 0)), w->size());
-        EXPECT_TRUE(f.rect().contains(at)) << captionOf(w).toStdString();
-    }
+    for (QWidget* w : std::initializer_list<QWidget*>{f.cmdZoomOut, f.cboScale, f.cmdUpdateMap, f.cmdChangeLayers})
+        EXPECT_TRUE(f.rect().contains(QRect(w->mapTo(&f, QPoint(0, 0)), w->size()))) << captionOf(w).toStdString();
 }
 
 
 TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSizeByTheMarginsMeasuredAtLoad)
 {
     FrmMain& f = *main;
-    EXPECT_EQ(f.FormHeight(), 8835);
-    EXPECT_EQ(f.FormWidth(), 12630);
-    EXPECT_EQ(f.iFrameWidthMargin, 12630 - 8790);
-    EXPECT_EQ(f.iMapHeightMargin, 8835 - 6705);
-    // The height set during the load did not move the map group.
-    EXPECT_EQ(rectOf(Twips(f.fraMapHolder)), QRect(3825, 270, 8790, 7710));
-    EXPECT_EQ(rectOf(Twips(f.Map1)), QRect(90, 630, 8565, 6705));
+    EXPECT_EQ((std::array<int, 4>{f.FormHeight(), f.FormWidth(), f.iFrameWidthMargin, f.iMapHeightMargin}),
+              (std::array{8835, 12630, 12630 - 8790, 8835 - 6705}));
     const TwipsRect left = Twips(f.fraStartUpImage), scale = Twips(f.cboScale);
-
-    // Before the load has finished a resize changes nothing.
-    f.bFormLoaded = false;
-    f.setFormSize(15000, 10000);
-    EXPECT_EQ(rectOf(Twips(f.Map1)), QRect(90, 630, 8565, 6705));
-    f.bFormLoaded = true;
-
-    f.setFormSize(12630 + 1500, 8835 + 750);
-    EXPECT_EQ(rectOf(Twips(f.fraMapHolder)), QRect(3825, 270, 8790 + 1500, 7710 + 750));
-    EXPECT_EQ(rectOf(Twips(f.Map1)), QRect(90, 630, 8565 + 1500, 6705 + 750));
-    EXPECT_EQ(Twips(f.lblMapNote).Top, 630 + 6705 + 750 + 45);
-    EXPECT_EQ(rectOf(Twips(f.fraStartUpImage)), rectOf(left));  // nothing else moves
-    EXPECT_EQ(Twips(f.cboScale).Left, scale.Left);
-
-    f.setFormSize(4500, 3000);
-    ASSERT_EQ(f.FormWidth(), 4500);
-    EXPECT_EQ(Twips(f.Map1).Width, 4500 - f.iMapWidthMargin);
-
-    // Once a difference reaches zero nothing changes: the group keeps its last size.
-    f.setFormSize(f.iFrameWidthMargin, 3000);
-    ASSERT_EQ(f.FormWidth(), f.iFrameWidthMargin);
-    EXPECT_EQ(Twips(f.Map1).Width, 4500 - f.iMapWidthMargin);
-    EXPECT_EQ(Twips(f.fraMapHolder).Width, 4500 - f.iFrameWidthMargin);
-    f.setFormSize(6000, f.iMapHeightMargin - 15);
-    EXPECT_EQ(Twips(f.Map1).Width, 4500 - f.iMapWidthMargin);
+    // The height set during the load did not move the map group; before the load has finished a resize changes
+    // nothing; after it the group follows the form until a difference reaches zero, and then keeps its last size.
+    struct Step { bool loaded; int width, height; QRect frame, map; };
+    const Step steps[] = {
+        {true, 12630, 8835, {3825, 270, 8790, 7710}, {90, 630, 8565, 6705}},
+        {false, 15000, 10000, {3825, 270, 8790, 7710}, {90, 630, 8565, 6705}},
+        {true, 12630 + 1500, 8835 + 750, {3825, 270, 8790 + 1500, 7710 + 750}, {90, 630, 8565 + 1500, 6705 + 750}},
+        {true, 4500, 3000, {3825, 270, 4500 - 3840, 3000 - 1125}, {90, 630, 4500 - 4065, 3000 - 2130}},
+        {true, 12630 - 8790, 3000, {3825, 270, 4500 - 3840, 3000 - 1125}, {90, 630, 4500 - 4065, 3000 - 2130}},
+        {true, 6000, 8835 - 6705 - 15, {3825, 270, 4500 - 3840, 3000 - 1125}, {90, 630, 4500 - 4065, 3000 - 2130}},
+    };
+    for (const Step& step : steps) {
+        f.bFormLoaded = step.loaded;
+        if (&step != steps) f.setFormSize(step.width, step.height);
+        f.bFormLoaded = true;
+        EXPECT_EQ(QList({rectOf(Twips(f.fraMapHolder)), rectOf(Twips(f.Map1))}), QList({step.frame, step.map})) << step.width << "x" << step.height;
+        EXPECT_EQ(Twips(f.lblMapNote).Top, step.map.bottom() + 1 + 45);
+    }
+    EXPECT_TRUE(rectOf(Twips(f.fraStartUpImage)) == rectOf(left) && Twips(f.cboScale).Left == scale.Left);  // nothing else moves
     EXPECT_NO_BOXES();
 }
 
@@ -191,50 +162,42 @@ TEST_F(MainWindow, EnabledStateFollowsTheStateTable)
     // Dataset, no query yet: a new dataset shows in full, so there is no way back to offer.
     loadDirectory(q(testsupport::dataset()));
     EXPECT_EQ(navigation(), on);
-    EXPECT_FALSE(Visible(f.cmdOriginalMap));
-    EXPECT_TRUE(Visible(f.fraStartUpImage));
+    EXPECT_TRUE(!Visible(f.cmdOriginalMap) && Visible(f.fraStartUpImage));
 
     // Running a query: the button becomes Cancel and stays live.
     f.ControlEnable(false);
     EXPECT_EQ(f.cmdUpdateMap->text(), "Cancel");
-    EXPECT_TRUE(f.cmdUpdateMap->isEnabled());
-    EXPECT_TRUE(Visible(f.lblWorking));
+    EXPECT_TRUE(f.cmdUpdateMap->isEnabled() && Visible(f.lblWorking) && f.cmdZoomIn->isEnabled());
     EXPECT_FALSE(f.cboSelectQuery->isEnabled() || f.cmdChangeLayers->isEnabled());
     EXPECT_EQ(f.Map1->MousePointer(), 11);
-    EXPECT_TRUE(f.cmdZoomIn->isEnabled());
     // A repaint during the run brings the query list back, not Change Layers.
     f.Map1->Refresh();
-    EXPECT_TRUE(f.cboSelectQuery->isEnabled());
-    EXPECT_FALSE(f.cmdChangeLayers->isEnabled());
+    EXPECT_TRUE(f.cboSelectQuery->isEnabled() && !f.cmdChangeLayers->isEnabled());
 
     f.ControlEnable(true);
     EXPECT_EQ(f.cmdUpdateMap->text(), "Update Map");
-    EXPECT_TRUE(!Visible(f.lblWorking) && f.cmdChangeLayers->isEnabled());
-    EXPECT_EQ(f.Map1->MousePointer(), 0);
+    EXPECT_TRUE(!Visible(f.lblWorking) && f.cmdChangeLayers->isEnabled() && f.Map1->MousePointer() == 0);
 
     // A load without layers goes back to the first row.
     const QString none = q(testsupport::tempDir("state-none"));
     writeFeaturesIn(none, "parcels.shp", 1);
     loadDirectory(none);
     EXPECT_EQ(navigation(), off);
-    EXPECT_FALSE(Visible(f.cmdOriginalMap));
-    EXPECT_TRUE(f.cmdChangeLayers->isEnabled());
+    EXPECT_TRUE(!Visible(f.cmdOriginalMap) && f.cmdChangeLayers->isEnabled());
     EXPECT_NO_BOXES();
 }
 
 TEST_F(MainWindow, EditOrLegendWaitsForTheFirstQuery)
 {
     FrmMain& f = *main;
-    auto shown = [&] { return QString(Visible(f.fraEdit) ? "edit" : "") + (Visible(f.fraLegend) ? "legend" : ""); };
-    f.optEditLegend[1]->setChecked(true);
-    EXPECT_EQ(shown(), "edit") << "no effect while the start-up picture shows";
+    QStringList shown;
+    auto look = [&] { shown << QString(Visible(f.fraEdit) ? "edit" : "") + (Visible(f.fraLegend) ? "legend" : ""); };
+    f.optEditLegend[1]->setChecked(true), look();  // no effect while the start-up picture shows
     f.bFirstQuery = false;
-    f.optEditLegend[0]->setChecked(true), f.optEditLegend[1]->setChecked(true);
-    EXPECT_EQ(shown(), "legend");
-    f.optEditLegend_Click(0);
-    EXPECT_EQ(shown(), "edit");
-    f.EditOrLegend(2);  // any other index shows neither panel
-    EXPECT_EQ(shown(), "");
+    f.optEditLegend[0]->setChecked(true), f.optEditLegend[1]->setChecked(true), look();
+    f.optEditLegend_Click(0), look();
+    f.EditOrLegend(2), look();  // any other index shows neither panel
+    EXPECT_EQ(shown, (QStringList{"edit", "legend", "edit", ""}));
 }
 
 TEST_F(MainWindow, ExitUnloadsEveryFormAndTheNextUseStartsAfresh)
@@ -247,11 +210,8 @@ TEST_F(MainWindow, ExitUnloadsEveryFormAndTheNextUseStartsAfresh)
     main->mnuExit_Click();
     EXPECT_FALSE(frmMainExists() || frmShowLayersDialogExists() || frmInfoExists());
     EXPECT_NO_BOXES();
-
     // A new form is made and loaded at the next use, with an empty map.
-    FrmMain& again = frmMain();
-    EXPECT_TRUE(again.bFormLoaded);
-    EXPECT_EQ(again.Map1->Layers().Count(), 0);
+    EXPECT_TRUE(frmMain().bFormLoaded && frmMain().Map1->Layers().Count() == 0);
 }
 
 class UrlCatcher : public QObject {
@@ -283,8 +243,7 @@ TEST_F(MainWindow, HelpOpensTheNamedHelpFileOrElseTheUserGuide)
         if (c.browser) QDesktopServices::setUrlHandler("file", &catcher, "open");
         recorder().clear();
         main->mnuHelp_Click();
-        QDesktopServices::unsetUrlHandler("file");
-        help.remove();
+        QDesktopServices::unsetUrlHandler("file"), help.remove();
         EXPECT_EQ(catcher.urls, c.opened.isEmpty() ? QList<QUrl>() : QList<QUrl>{QUrl::fromLocalFile(c.opened)});
         EXPECT_EQ(recorder().texts(), c.box.isEmpty() ? QStringList() : QStringList{c.box});
     }
@@ -298,19 +257,17 @@ TEST_F(MainWindow, SplashLoadsTheMainFormAndShowsItWhenDismissed)
     EXPECT_EQ(s.lblVersion->text(), "Version 1.2.0   (Click anywhere to continue)");
     EXPECT_EQ(s.imgSplash->pixmap().deviceIndependentSize().toSize(), s.imgSplash->size());  // the picture fills its control
     ASSERT_TRUE(frmMainExists() && frmShowLayersDialogExists());
-    EXPECT_TRUE(frmMain().bFormLoaded);
-    EXPECT_FALSE(frmMain().isVisible() || frmShowLayersDialog().isVisible());
+    EXPECT_TRUE(frmMain().bFormLoaded && !frmMain().isVisible() && !frmShowLayersDialog().isVisible());
 
     // A click on the version label does nothing; one on the picture ends the
     // splash and shows the main form; so does a key.
     QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ");
     QCoreApplication::sendEvent(s.lblVersion, &press);
     EXPECT_TRUE(frmSplashExists() && !frmMain().isVisible());
     QCoreApplication::sendEvent(s.imgSplash, &press);
     EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
-    unloadFrmMain();
-    QKeyEvent key(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ");
-    QCoreApplication::sendEvent(&frmSplash(), &key);
+    QCoreApplication::sendEvent((unloadFrmMain(), &frmSplash()), &key);
     EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
     EXPECT_NO_BOXES();
 }
@@ -326,23 +283,18 @@ TEST_F(MainWindow, DrawEventsAreTheBeatOfTheInterface)
     auto note = [&](const char* e) { seen.push_back({e, bQueryDrawn, f.lblLayersCurrentlyDisplayed->text()}); };
     QObject guard;
     QObject::connect(f.Map1, &Map::BeforeLayerDraw, &guard, [&](int, QPainter*) { note("before"); });
-    QObject::connect(f.Map1, &Map::AfterLayerDraw, &guard, [&](int, QPainter*) { note("after"); });
     QObject::connect(f.Map1, &Map::BeforeTrackingLayerDraw, &guard, [&](QPainter*) { note("beforeTracking"); });
     QObject::connect(f.Map1, &Map::AfterTrackingLayerDraw, &guard, [&](QPainter*) { note("afterTracking"); });
 
-    f.lblLayersCurrentlyDisplayed->setText("stale");
-    f.Map1->Refresh();
+    f.lblLayersCurrentlyDisplayed->setText("stale"), f.Map1->Refresh();
     ASSERT_GE(seen.size(), 4u);
     EXPECT_EQ(seen.front().event, "before");
     for (size_t i = 0; i + 2 < seen.size(); ++i) {
         EXPECT_TRUE(seen[i].drawn) << i;           // set at the first layer, kept through the layers
         EXPECT_EQ(seen[i].label, "stale") << i;    // the interface waits for the tracking layer
     }
-    EXPECT_EQ(seen[seen.size() - 2].event, "beforeTracking");
-    EXPECT_NE(seen[seen.size() - 2].label, "stale");
-    EXPECT_EQ(seen.back().event, "afterTracking");
-    EXPECT_FALSE(seen.back().drawn);
-    EXPECT_FALSE(bQueryDrawn);
+    EXPECT_TRUE(seen[seen.size() - 2].event == "beforeTracking" && seen[seen.size() - 2].label != "stale");
+    EXPECT_TRUE(seen.back().event == "afterTracking" && !seen.back().drawn && !bQueryDrawn);
     EXPECT_NO_BOXES();
 
     // The marked-shape hook: a shape that cannot be drawn gives its message.

@@ -6,7 +6,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStyle>
-#include <QRegularExpression>
 #include <QTextLayout>
 
 #include "app/frmSplash.h"
@@ -25,10 +24,10 @@ QRect designOf(const QWidget* w) { return w->property("twips").toRect(); }
 
 QString describe(const QWidget* w)
 {
-    QString caption;
-    if (auto* l = qobject_cast<const QLabel*>(w)) caption = l->text();
-    if (auto* b = qobject_cast<const QAbstractButton*>(w)) caption = b->text();
-    if (auto* g = qobject_cast<const QGroupBox*>(w)) caption = g->title();
+    auto* l = qobject_cast<const QLabel*>(w);
+    auto* b = qobject_cast<const QAbstractButton*>(w);
+    auto* g = qobject_cast<const QGroupBox*>(w);
+    const QString caption = l ? l->text() : b ? b->text() : g ? g->title() : QString();
     const QRect d = designOf(w);
     return QString("%1 \"%2\" at %3,%4 %5x%6").arg(w->metaObject()->className(), caption.left(40)).arg(d.x()).arg(d.y()).arg(d.width()).arg(d.height());
 }
@@ -43,11 +42,8 @@ QList<QRect> linesOf(const QFont& font, const QRect& area, int flags, const QStr
     layout.setTextOption(option);
     layout.beginLayout();
     qreal height = 0;
-    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-        line.setLineWidth(area.width());
-        line.setPosition(QPointF(0, height));
-        height += line.height();
-    }
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine())
+        line.setLineWidth(area.width()), line.setPosition(QPointF(0, height)), height += line.height();
     layout.endLayout();
     const qreal dy = flags & Qt::AlignVCenter ? (area.height() - height) / 2 : flags & Qt::AlignBottom ? area.height() - height : 0;
     QList<QRect> out;
@@ -67,10 +63,7 @@ QList<QRect> linesOf(const QFont& font, const QRect& area, int flags, const QStr
 
 // Where a control's caption is drawn, line by line in its parent's
 // coordinates, and whether it fits the control.
-struct Caption {
-    QList<QRect> lines;
-    bool fits = true;
-};
+struct Caption { QList<QRect> lines; bool fits = true; };
 
 std::optional<Caption> captionOf(QWidget* w)
 {
@@ -175,10 +168,8 @@ TEST(Layout, EveryCaptionFitsInEveryFormAndArrangement)
     f.optEditLegend[1]->setChecked(true);
     problems << problemsOf(&f, "legend");
 
-    FrmShowLayersDialog& layers = frmShowLayersDialog();
-    layers.Form_Activate();
-    problems << problemsOf(&layers, "Change Layers");
-
+    frmShowLayersDialog().Form_Activate();
+    problems << problemsOf(&frmShowLayersDialog(), "Change Layers");
     ShowFrmInfo();
     problems << problemsOf(&frmInfo(), "Map Information");
 
@@ -192,8 +183,7 @@ TEST(Layout, EveryCaptionFitsInEveryFormAndArrangement)
 
     f.mnuPrint_Click();
     problems << problemsOf(&frmPrint(), "Print Map");
-    UnloadFrmPrint();
-    unloadFrmMain();
+    UnloadFrmPrint(), unloadFrmMain();
     EXPECT_TRUE(problems.isEmpty()) << TwipsPerPixel << " twips to the pixel\n" << problems.join("\n").toStdString();
 }
 

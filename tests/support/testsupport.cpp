@@ -3,7 +3,6 @@
 #include "app/application.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QFileInfo>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -14,24 +13,26 @@
 
 namespace testsupport {
 
+template <class T>
+T take(std::deque<T>& queue, const T& otherwise)
+{
+    if (queue.empty()) return otherwise;
+    T a = queue.front();
+    queue.pop_front();
+    return a;
+}
+
 seam::Answer Recorder::message(const QString& text, seam::Buttons buttons, seam::Icon icon)
 {
     boxes.push_back({text, buttons, icon});
     if (onBox) onBox(boxes.back());
-    if (buttons == seam::Buttons::OK) return seam::Answer::OK;
-    if (answers.empty()) return seam::Answer::Yes;
-    seam::Answer a = answers.front();
-    answers.pop_front();
-    return a;
+    return buttons == seam::Buttons::OK ? seam::Answer::OK : take(answers, seam::Answer::Yes);
 }
 
 seam::FileAnswer Recorder::file(const seam::FileRequest& request)
 {
     fileRequests.push_back(request);
-    if (files.empty()) return {};
-    seam::FileAnswer a = files.front();
-    files.pop_front();
-    return a;
+    return take(files, seam::FileAnswer{});
 }
 
 QStringList Recorder::texts() const
@@ -41,18 +42,13 @@ QStringList Recorder::texts() const
     return out;
 }
 
-Recorder& recorder()
-{
-    static Recorder r;
-    return r;
-}
+Recorder& recorder() { static Recorder r; return r; }
 
 std::string tempDir(const std::string& name)
 {
     namespace fs = std::filesystem;
     fs::path p = fs::path(MARLOWAN_TEST_TMP) / (std::to_string(getpid()) + "-" + name);
-    fs::remove_all(p);
-    fs::create_directories(p);
+    fs::remove_all(p), fs::create_directories(p);
     return p.string();
 }
 
@@ -61,26 +57,13 @@ std::string dataset(const std::string& size, unsigned seed, const std::set<std::
     static std::map<std::string, std::string> made;
     std::string key = size + "-" + std::to_string(seed);
     for (const auto& o : omit) key += "-" + o;
-    auto it = made.find(key);
-    if (it != made.end()) return it->second;
-    std::string dir = tempDir("data-" + std::to_string(made.size()));
-    datagen::Options opt;
-    opt.size = size;
-    opt.seed = seed;
-    opt.omit = omit;
-    datagen::generate(dir, opt);
-    made[key] = dir;
-    return dir;
+    if (auto it = made.find(key); it != made.end()) return it->second;
+    const std::string dir = tempDir("data-" + std::to_string(made.size()));
+    datagen::generate(dir, {.size = size, .seed = seed, .omit = omit});
+    return made[key] = dir;
 }
 
-seam::FileAnswer fileAnswer(const QString& path)
-{
-    seam::FileAnswer a;
-    a.cancelled = false;
-    a.fileName = path;
-    a.fileTitle = QFileInfo(path).fileName();
-    return a;
-}
+seam::FileAnswer fileAnswer(const QString& path) { return {false, path, QFileInfo(path).fileName()}; }
 
 }  // namespace testsupport
 
