@@ -3,7 +3,6 @@
 #include <gdal_priv.h>
 #include <gtest/gtest.h>
 #include <ogrsf_frmts.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -12,10 +11,6 @@
 #include <set>
 
 #include "datagen.h"
-
-#ifndef MARLOWAN_GENDATA  // built with the project rather than on its own
-#define MARLOWAN_GENDATA MARLOWAN_BIN_DIR "/marlowan-gendata"
-#endif
 
 namespace fs = std::filesystem;
 
@@ -223,49 +218,6 @@ TEST(Datagen, SameSeedGivesTheSameBytesAndOmittingOverAnEarlierRunRemovesOnlyTho
     EXPECT_NE(readBytes(a / "20_wind.dbf"), readBytes(c / "20_wind.dbf"));
     o.omit = {"44_power.shp"};
     EXPECT_THROW(datagen::generate(c.string(), o), std::runtime_error);
-}
-
-TEST(Datagen, WriteShapefileKeepsTextBytesAndTypes)
-{
-    const fs::path dir = tempDir("writer"), shp = dir / "hand.shp";
-    datagen::writeShapefile(shp.string(), datagen::GeomKind::Point, {{"NAME", 'C', 12}, {"VALUE", 'N', 10, 3}, {"COUNT", 'I'}},
-                            {{"POINT (10 20)", {std::string("  forest"), 2.5, 7LL}},
-                             {"POINT (30 40)", {std::string(""), std::monostate{}, 12LL}},
-                             {"POINT (50 60)", {std::string("WATER")}}},
-                            false);
-    EXPECT_FALSE(fs::exists(dir / "hand.prj"));
-    EXPECT_EQ(rawDbfColumn(dir / "hand.dbf", "NAME"), std::vector<std::string>({"  forest    ", std::string(12, ' '), "WATER       "}));
-    {
-        Opened o = open(shp);
-        EXPECT_DOUBLE_EQ(OGRFeatureUniquePtr(o.layer->GetNextFeature())->GetFieldAsDouble(1), 2.5);
-        EXPECT_FALSE(OGRFeatureUniquePtr(o.layer->GetNextFeature())->IsFieldSetAndNotNull(1));  // monostate: null
-    }
-    // Written again with a projection: the old files give way.
-    datagen::writeShapefile(shp.string(), datagen::GeomKind::Polygon, {{"ID", 'I'}},
-                            {{"POLYGON ((0 0, 0 10, 10 10, 10 0, 0 0))", {1LL}}});
-    EXPECT_TRUE(readBytes(dir / "hand.prj") == datagen::esriPrjText() && wkbFlatten(open(shp).layer->GetGeomType()) == wkbPolygon);
-    const std::string bad = (dir / "bad.shp").string();
-    EXPECT_THROW(datagen::writeShapefile(bad, datagen::GeomKind::Point, {{"MUCH_TOO_LONG", 'C'}}, {}), std::runtime_error);
-    EXPECT_THROW(datagen::writeShapefile(bad, datagen::GeomKind::Point, {{"A", 'C'}}, {{"POINT (1", {}}}),
-                 std::runtime_error);
-}
-
-TEST(Datagen, CommandLineRefusesBadArgumentsWithUsage)
-{
-    const fs::path dir = tempDir("cli");
-    const std::string log = (dir / "out.txt").string();
-    auto run = [&](const std::string& args) {
-        const int status = std::system((MARLOWAN_GENDATA " " + args + " > " + log + " 2>&1").c_str());
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    };
-    for (const char* args : {"--size medium ", "--omit 99_nothing.shp ", "--seed abc ", "--bogus "}) {
-        EXPECT_EQ(run(args + (dir / "x").string()), 2) << args;
-        EXPECT_NE(readBytes(log).find("usage:"), std::string::npos) << args;
-    }
-    EXPECT_EQ(run(""), 2);
-    EXPECT_EQ(run("--seed 3 --omit 43_roads,44_transmissionline " + (dir / "ok").string()), 0);
-    EXPECT_TRUE(fs::exists(dir / "ok/20_wind.shp") && !fs::exists(dir / "ok/43_roads.shp") && !fs::exists(dir / "ok/44_transmissionline.shp"));
-    EXPECT_THROW(datagen::generate((dir / "y").string(), {.size = "medium"}), std::runtime_error);
 }
 
 TEST(Datagen, LargeDatasetMeetsItsCounts)
