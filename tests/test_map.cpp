@@ -60,11 +60,7 @@ struct EventLog {
 
 class MapTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        dir = testsupport::tempDir("map-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        map.resize(200, 200);
-    }
+    void SetUp() override { map.resize(200, 200); }
 
     // A layer of the features, added on top of the map.
     MapLayerPtr layer(const std::string& name, GeomKind kind, const std::vector<FeatureSpec>& features,
@@ -93,7 +89,7 @@ protected:
     QImage picture() { return map.grab().toImage().convertToFormat(QImage::Format_RGB32); }
     void view100() { map.setExtent(Rectangle(0, 0, 100, 100)); }
 
-    std::string dir;
+    std::string dir = testsupport::tempDir("map-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
     Map map;
 };
 
@@ -189,9 +185,7 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
     MapLayerPtr l = layer("wind", GeomKind::Polygon, f, {{"WINDPWRD", 'N', 19, 4}});
     l->Symbol = solid(Grey);
     auto r = std::make_shared<ClassBreaksRenderer>();
-    r->Field = "WINDPWRD";
-    r->setBreakCount(2);
-    r->setBreak(0, 200), r->setBreak(1, 300);
+    r->Field = "WINDPWRD", r->setBreakCount(2), r->setBreak(0, 200), r->setBreak(1, 300);
     const int colors[3] = {RGB(255, 255, 255) - 1, RGB(222, 184, 135), RGB(0, 0, 255)};
     for (int i = 0; i < 3; ++i) r->Symbol(i)->Color = colors[i], r->Symbol(i)->Outline = false;
     l->Renderer = r;
@@ -210,21 +204,16 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
     MapLayerPtr landuse = layer("landuse", GeomKind::Polygon, g, {{"LAND_USE", 'C', 40}});
     landuse->Symbol = solid(Grey);
     auto valueMap = std::make_shared<ValueMapRenderer>();
-    valueMap->Field = "LAND_USE";
-    valueMap->setValueCount(2);
-    valueMap->setValue(0, "FOREST"), valueMap->setValue(1, "WATER");
+    valueMap->Field = "LAND_USE", valueMap->setValueCount(2), valueMap->setValue(0, "FOREST"), valueMap->setValue(1, "WATER");
     valueMap->Symbol(0)->Color = RGB(26, 129, 78), valueMap->Symbol(1)->Color = RGB(102, 140, 190);
     landuse->Renderer = valueMap;
 
     auto breaks = std::make_shared<ClassBreaksRenderer>();
-    breaks->Field = "WINDPWRD";
-    breaks->setBreakCount(1);
-    breaks->Symbol(0)->Color = breaks->Symbol(1)->Color = Red;
+    breaks->Field = "WINDPWRD", breaks->setBreakCount(1), breaks->Symbol(0)->Color = breaks->Symbol(1)->Color = Red;
     MapLayerPtr noField = polygons("nofield", {square(10, 10, 30, 30)}, Green);
     noField->Renderer = breaks;
     MapLayerPtr text = layer("text", GeomKind::Polygon, {{square(60, 10, 80, 30), {std::string("abc")}}}, {{"WINDPWRD", 'C', 10}});
-    text->Symbol = solid(Blue);
-    text->Renderer = breaks;
+    text->Symbol = solid(Blue), text->Renderer = breaks;
     img = picture();
 
     // FOREST, " FOREST", "forest", WATER; then the missing field and the text.
@@ -331,13 +320,9 @@ TEST_F(MapMouseTest, HoldsTrackOrPanWithTheGesture)
         for (const Step& s : c.rest) queue(s.type, s.pos, s.type == Up ? Qt::LeftButton : Qt::NoButton, s.type == Up ? Qt::NoButton : Qt::LeftButton);
         press(c.down);
         EXPECT_EQ(log, c.log);
-        if (c.pan) {
-            expectRect(map.Extent(), c.l, c.b, c.r, c.t);
-            EXPECT_EQ(draws.events, QStringList({"before tracking", "after tracking"}));
-        } else {
-            expectRect(tracked, c.l, c.b, c.r, c.t);
-            expectRect(map.Extent(), 0, 0, 200, 100);
-        }
+        expectRect(c.pan ? map.Extent() : tracked, c.l, c.b, c.r, c.t);
+        if (c.pan) EXPECT_EQ(draws.events, QStringList({"before tracking", "after tracking"}));
+        else expectRect(map.Extent(), 0, 0, 200, 100);
     }
     onDown = nullptr;
     map.setExtent(Rectangle(0, 0, 200, 100));
@@ -346,8 +331,7 @@ TEST_F(MapMouseTest, HoldsTrackOrPanWithTheGesture)
     press({10, 10});
     send(event(Up, {10, 10}, Qt::LeftButton, Qt::NoButton));
     map.Pan();
-    EXPECT_DOUBLE_EQ(map.Extent()->Left, 0);
-    EXPECT_EQ(map.TrackRectangle()->Width(), 0);
+    EXPECT_TRUE(map.Extent()->Left == 0 && map.TrackRectangle()->Width() == 0);
 }
 
 }  // namespace

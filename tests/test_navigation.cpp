@@ -57,10 +57,7 @@ void loadCountry(const std::string& name, const QString& wkt)
     loadDirectory(dir);
 }
 
-double miles(Map* map, double lon1, double lat1, double lon2, double lat2)
-{
-    return DegreesToMiles(map, lon1, lat1, lon2, lat2);
-}
+double miles(Map* map, double lon1, double lat1, double lon2, double lat2) { return DegreesToMiles(map, lon1, lat1, lon2, lat2); }
 
 // A view exactly w wide about (cx, cy), with the control's own proportions so
 // that the map keeps the width asked for.
@@ -152,10 +149,8 @@ TEST_F(Navigation, ZoomButtonsHalveAndDoubleAboutTheCentre)
     main->cmdZoomIn->click();
     const RectanglePtr e = map()->Extent();
     widthIs(0.5);
-    EXPECT_NEAR((e->Left + e->Right) / 2, cx, 1e-6 * start->Width());
-    EXPECT_NEAR((e->Top + e->Bottom) / 2, cy, 1e-6 * start->Height());
-    EXPECT_FALSE(bQueryDrawn);
-    EXPECT_TRUE(Visible(main->cmdOriginalMap));  // the repaint showed the way back
+    EXPECT_LT(std::hypot((e->Left + e->Right) / 2 - cx, (e->Top + e->Bottom) / 2 - cy), 1e-6 * start->Width());
+    EXPECT_TRUE(!bQueryDrawn && Visible(main->cmdOriginalMap));  // the repaint showed the way back
 
     main->cmdZoomOut->click();
     main->cmdZoomOut->click();
@@ -184,8 +179,7 @@ TEST_F(Navigation, AClickInZoomModeZoomsThenCentresOnThePointReadInTheNewView)
         SCOPED_TRACE(c.button);
         main->cmdOriginalMap_Click();
         const RectanglePtr before = map()->Extent();
-        main->iDownX = int16_t(x + 3);
-        main->iDownY = int16_t(y - 4);
+        main->iDownX = int16_t(x + 3), main->iDownY = int16_t(y - 4);
         main->Map1_MouseUp(c.button, 0, x, y);
 
         RectanglePtr scaled = before->copy();
@@ -194,8 +188,7 @@ TEST_F(Navigation, AClickInZoomModeZoomsThenCentresOnThePointReadInTheNewView)
         const double px = scaled->Left + x / TwipsPerPixel / s, py = scaled->Top - y / TwipsPerPixel / s;
         const RectanglePtr after = map()->Extent();
         EXPECT_NEAR(after->Width(), before->Width() * c.factor, 1e-6 * before->Width());
-        EXPECT_NEAR((after->Left + after->Right) / 2, px, 1e-6 * before->Width());
-        EXPECT_NEAR((after->Top + after->Bottom) / 2, py, 1e-6 * before->Height());
+        EXPECT_LT(std::hypot((after->Left + after->Right) / 2 - px, (after->Top + after->Bottom) / 2 - py), 1e-6 * before->Width());
     }
     EXPECT_NO_BOXES();
 }
@@ -208,8 +201,7 @@ TEST_F(Navigation, MouseUpLeavesDragsOtherToolsAndAnEmptyMapAlone)
         main->iToolMode = int16_t(tool);
         main->iDownX = main->iDownY = 600;
         main->Map1_MouseUp(1, 0, 600 + dx, 600 + dy);
-        EXPECT_EQ(map()->Extent()->Left, before->Left) << what;
-        EXPECT_EQ(map()->Extent()->Width(), before->Width()) << what;
+        EXPECT_TRUE(map()->Extent()->Left == before->Left && map()->Extent()->Width() == before->Width()) << what;
     };
     expectUnchanged("empty map", 1, 0, 0);
     loadDirectory(q(testsupport::dataset()));
@@ -229,8 +221,7 @@ TEST_F(Navigation, MouseDownStoresThePointRoundedAndOpensInformationOnlyOverAMap
     struct Case { float x, y; int16_t ix, iy; };
     for (const Case c : {Case{10.5f, 11.5f, 10, 12}, Case{99.4f, 0.6f, 99, 1}, Case{2.5f, 3.5f, 2, 4}}) {
         main->Map1_MouseDown(1, 0, c.x, c.y);
-        EXPECT_EQ(main->iDownX, c.ix);
-        EXPECT_EQ(main->iDownY, c.iy);
+        EXPECT_EQ(QPoint(main->iDownX, main->iDownY), QPoint(c.ix, c.iy));
     }
     // Info on an empty map: no window; on a loaded one, the information window.
     main->iToolMode = 2;
@@ -241,8 +232,7 @@ TEST_F(Navigation, MouseDownStoresThePointRoundedAndOpensInformationOnlyOverAMap
     main->optPanZoom[2]->setChecked(true);
     ASSERT_EQ(main->iToolMode, 2);
     main->Map1_MouseDown(1, 0, 3000, 3000);
-    EXPECT_TRUE(frmInfoExists());
-    EXPECT_EQ(main->iDownX, 3000);
+    EXPECT_TRUE(frmInfoExists() && main->iDownX == 3000);
 }
 
 TEST_F(Navigation, ToolChoiceSetsTheModeAndThePointer)
@@ -251,10 +241,8 @@ TEST_F(Navigation, ToolChoiceSetsTheModeAndThePointer)
     for (const Case c : {Case{0, 53}, Case{1, 50}, Case{2, 14}}) {
         bQueryDrawn = true;
         main->optPanZoom[size_t(c.tool)]->setChecked(true);
-        EXPECT_EQ(main->iToolMode, c.tool);
-        EXPECT_FALSE(bQueryDrawn);
         main->Map1_MouseMove(0, 0, 10, 10);
-        EXPECT_EQ(main->Map1->MousePointer(), c.pointer);
+        EXPECT_EQ((std::tuple{int(main->iToolMode), bQueryDrawn, main->Map1->MousePointer()}), (std::tuple{c.tool, false, c.pointer}));
     }
     main->iToolMode = 3;
     main->Map1_MouseMove(0, 0, 10, 10);
