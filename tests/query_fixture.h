@@ -36,10 +36,8 @@ inline FrmMain& freshMain()
 
 inline std::string rect(double x, double y, double w, double h)
 {
-    const double xs[] = {x, x + w, x + w, x, x}, ys[] = {y, y, y + h, y + h, y};
-    std::string s = "POLYGON((";
-    for (int i = 0; i < 5; ++i) s += (i ? "," : "") + std::to_string(xs[i]) + " " + std::to_string(ys[i]);
-    return s + "))";
+    auto n = [](double v) { return QString::number(v, 'f', 6); };
+    return QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(n(x), n(y), n(x + w), n(y + h)).toStdString();
 }
 
 struct Poly { std::string wkt; double value; };
@@ -96,10 +94,7 @@ inline void selectQuery(FrmMain& f, const QString& name) { pick(f.cboSelectQuery
 inline void selectResource(FrmMain& f, const QString& name) { pick(f.cboQueryDropDown3, name); }
 
 inline void setRange(FrmMain& f, const QString& min, const QString& max)
-{
-    f.cboQueryDropDown->setText(min);
-    f.cboQueryDropDown2->setText(max);
-}
+{ f.cboQueryDropDown->setText(min), f.cboQueryDropDown2->setText(max); }
 
 // Records the progress texts of a run in order.
 struct ProgressLog {

@@ -30,8 +30,7 @@ QRgb rgbOf(int c) { return qRgb(RedOf(c), GreenOf(c), BlueOf(c)); }
 SymbolPtr solid(int color)
 {
     auto s = std::make_shared<Symbol>();
-    s->Color = color, s->Outline = false;
-    return s;
+    return s->Color = color, s->Outline = false, s;
 }
 
 void expectRect(const RectanglePtr& r, double left, double bottom, double right, double top)
@@ -240,7 +239,6 @@ TEST_F(MapTest, SetExtentKeepsTheAspectAboutTheCentreAndPointsFollowIt)
     // A resize keeps what was asked for in view.
     map.resize(100, 200);
     expectRect(map.Extent(), 10, -20, 50, 60);
-
     // Twips to map units; CenterAt redraws about the point.
     map.resize(200, 100);
     map.setExtent(Rectangle(0, 0, 200, 100));  // one unit to the pixel

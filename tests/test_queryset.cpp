@@ -48,10 +48,8 @@ void loadDataset(const std::string& name, const Content& content = {})
         } else if (file.find("_solar_") != std::string::npos) {
             const char* field = file.find("direct") != std::string::npos ? "ANNDIR" : "ANNTILT";
             datagen::writeShapefile(path, GeomKind::Polygon, {{field, 'N', 12, 4}}, {{square(0), {3.2}}, {square(1), {5.6}}});
-        } else if (file == "43_roads.shp" || file == "44_transmissionline.shp") {
-            datagen::writeShapefile(path, GeomKind::Line, {{"ID", 'I'}}, {{"LINESTRING(0 0,5000 100)", {1LL}}});
         } else {
-            datagen::writeShapefile(path, GeomKind::Polygon, {{"ID", 'I'}}, {{square(0), {1LL}}});
+            writeFeatures(path, 1, file.starts_with("4") ? GeomKind::Line : GeomKind::Polygon);
         }
     }
     loadDirectory(q(dir));
@@ -198,11 +196,7 @@ struct Shown {
 };
 using Panel = std::vector<Shown>;
 
-Panel operator+(Panel a, const Panel& b)
-{
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
+Panel operator+(Panel a, const Panel& b) { return a.insert(a.end(), b.begin(), b.end()), a; }
 
 const Panel kWindDropDowns = {{"dd1", nullptr, 2000, 180, 900, 315}, {"dd2", nullptr, 2000, 540, 900, 315}};
 const Panel kWindRange = Panel{{"lbl0", "Min Wind Power Density:", 90, 240, 2805, 255},
