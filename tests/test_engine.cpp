@@ -297,11 +297,9 @@ TEST(Expressions, SolarResourceChosenByExactNameAndRangesWindInDoublePrecisionWi
         {false, " 200 ", "1E3", "WINDPWRD >= 200 AND WINDPWRD <= 1000"},
         {false, "500", "max", ""},   // "Max" is matched with case
         {false, "500", " Max", ""},  // and untrimmed
-        {false, "", "800", ""},
-        {true, "5.5", "6.5", "ANNGLO >= 5.5 AND ANNGLO <= 6.5"},
+        {false, "", "800", ""}, {true, "5.5", "6.5", "ANNGLO >= 5.5 AND ANNGLO <= 6.5"},
         {true, "2", "9", "ANNGLO >= 2 AND ANNGLO <= 9"},
-        {true, "5.55555555", "0.1", "ANNGLO >= 5.555555 AND ANNGLO <= 0.1"},
-        {true, "3", "Max", ""},
+        {true, "5.55555555", "0.1", "ANNGLO >= 5.555555 AND ANNGLO <= 0.1"}, {true, "3", "Max", ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.min) + " / " + c.max);

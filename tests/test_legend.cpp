@@ -82,9 +82,6 @@ TEST_F(LegendTest, EntriesFollowTheLayersTopFirstWithTheirClasses)
     map.Layers().Remove(0);
     legend.FillLegend(true);
     EXPECT_EQ(std::pair(legend.entryCount(), legend.entryName(0)), std::pair(4, QString("Land Use")));
-    Legend unbound;
-    unbound.FillLegend(true);
-    EXPECT_EQ(unbound.entryCount(), 0);
 }
 
 TEST_F(LegendTest, CheckBoxSwitchesVisibleBeforeTheEventAndDrawsNothingItself)

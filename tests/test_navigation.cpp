@@ -86,8 +86,7 @@ TEST_F(Navigation, ScaleTextsByUnit)
         {"degree", geographicWkt("Degree"), "Scale 1 : 5,649,627"},
         {"upper-degree", geographicWkt("DEGREE"), "Scale 1 : 5,649,627"},
         {"meter", projectedWkt("Meter"), "Scale 1 : 6,619,124"},
-        {"upper-meter", projectedWkt("METER"), "Scale 1 : 6,619,124"},
-        {"metre", projectedWkt("metre"), "Scale 1 : 0"},
+        {"upper-meter", projectedWkt("METER"), "Scale 1 : 6,619,124"}, {"metre", projectedWkt("metre"), "Scale 1 : 0"},
         {"foot", projectedWkt("Foot_US", 0.3048006096012192), "Scale 1 : 0"},
     };
     for (const Case& c : cases) {

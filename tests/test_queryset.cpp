@@ -121,8 +121,7 @@ TEST_F(QuerySet, RequiredFilesAndTheirMessages)
         {{"20_wind.shp"}, "Best wind + roads", false, "20_wind.shp"},
         {{"20_wind.shp"}, "Best Solar X kWh/m2/day", true, "before"},
         // Names are compared trimmed and without case.
-        {{}, "  best WIND (all) ", true, ""},
-        {{"11_solar_direct.shp"}, kConc40, false, "11_solar_direct.shp"},
+        {{}, "  best WIND (all) ", true, ""}, {{"11_solar_direct.shp"}, kConc40, false, "11_solar_direct.shp"},
         {{}, " 40 KM SOLAR CONCENTRATORS ANNUAL AVERAGE(KWH/M2/DAY)", true, ""},
         {{}, "10 km Solar Concentrators Annual Average(KWH/M2/DAY)", false, "13_solar_direct.shp"},
         {{}, "Best solar off-grid systems", true, "before"},
@@ -264,8 +263,7 @@ TEST_F(QuerySet, DistanceBoxesAcrossSelections)
         {nullptr, "Best wind + transmission", "5"},  // the initial text survives the first selection
         {"7", "Best wind + roads", "2"},             // reset on every roads selection
         {"4", "Best wind + transmission", "4"},      // carried over from roads
-        {"", "Best wind + transmission", "2"},
-        {"abc", "Best wind (all)", "2"},
+        {"", "Best wind + transmission", "2"}, {"abc", "Best wind (all)", "2"},
     };
     for (const Step& s : steps) {
         if (s.typed) f->txtQuery1[2]->setText(s.typed);
@@ -351,9 +349,7 @@ TEST_F(QuerySet, WindMaximumWarning)
     };
     struct Case { std::vector<double> wind; QStringList boxes; };
     const Case cases[] = {
-        {{150, 200.0}, {warning("200")}},
-        {{150, 200.1}, {}},
-        {{12.5, 150.25, -3}, {warning("150.25")}},
+        {{150, 200.0}, {warning("200")}}, {{150, 200.1}, {}}, {{12.5, 150.25, -3}, {warning("150.25")}},
         {{-5, -1}, {}},  // nothing at or above 0: no statistics, no word
     };
     int n = 0;
@@ -403,31 +399,23 @@ const char* const kProximity = "Proximity value must be >=0.001 and <= 25km.";
 const char* const kNoNumber = "Please enter a number for proximity value.";
 
 const Inputs kValidation[] = {
-    {"No Query (Base Map)", "x", "y", "x", "x", false, nullptr},
-    {W, "500", "800", "x", "x", false, nullptr},
-    {W, "500", "500", "5", "5", false, kOrder},
-    {W, "9999", "10000", "5", "5", false, nullptr},
+    {"No Query (Base Map)", "x", "y", "x", "x", false, nullptr}, {W, "500", "800", "x", "x", false, nullptr},
+    {W, "500", "500", "5", "5", false, kOrder}, {W, "9999", "10000", "5", "5", false, nullptr},
     {W, "9999", "10001", "5", "5", false, "Max. Wind Power Density should be >= 0 and 10000"},
     {W, "-1", "800", "5", "5", false, "Min. Wind Power Density should be >= 0 and 10000"},
     {W, "800", " Max ", "5", "5", false, nullptr},
     {W, "800", "max", "5", "5", false, "Please enter a numeric value for Max. Wind Power Density"},
     {W, "", "800", "5", "5", false, "Please enter a numeric value for Min. Wind Power Density"},
-    {W, "10001", "Max", "5", "5", false, kOrder},
-    {W, " 200 ", "1e3", "5", "5", false, nullptr},
+    {W, "10001", "Max", "5", "5", false, kOrder}, {W, " 200 ", "1e3", "5", "5", false, nullptr},
     {"Best wind + land use", "500", "800", "5", "5", false, "Please select a land use."},
-    {"Best wind + land use", "500", "800", "5", "5", true, nullptr},
-    {R, "500", "800", "x", "0.001", false, nullptr},
-    {R, "500", "800", "x", "0.0009", false, kProximity},
-    {R, "500", "800", "x", "25", false, nullptr},
-    {R, "500", "800", "x", "25.1", false, kProximity},
-    {R, "500", "800", "x", "", false, kNoNumber},
-    {T, "500", "800", "x", "0", false, kProximity},
-    {A, "500", "800", "x", "x", false, kNoNumber, 1},
+    {"Best wind + land use", "500", "800", "5", "5", true, nullptr}, {R, "500", "800", "x", "0.001", false, nullptr},
+    {R, "500", "800", "x", "0.0009", false, kProximity}, {R, "500", "800", "x", "25", false, nullptr},
+    {R, "500", "800", "x", "25.1", false, kProximity}, {R, "500", "800", "x", "", false, kNoNumber},
+    {T, "500", "800", "x", "0", false, kProximity}, {A, "500", "800", "x", "x", false, kNoNumber, 1},
     {A, "500", "800", "30", "x", false, "Proximity to transmission must be >=0.001 and <= 25km.", 1},
     {A, "500", "800", "0.001", "", false, kNoNumber, 2},
     {A, "500", "800", "25", "0.0009", false, "Proximity to roads must be >=0.001 and <= 25km.", 2},
-    {A, "500", "800", "2", "2", false, "Please select a land use."},
-    {A, "500", "800", "2", "2", true, nullptr},
+    {A, "500", "800", "2", "2", false, "Please select a land use."}, {A, "500", "800", "2", "2", true, nullptr},
     {S, "0", "10", "x", "x", false, nullptr},
     {S, "10", "10", "x", "x", false, "Max. Solar Resource should be > Min. Solar Resource"},
     {S, "3", "Max", "x", "x", false, "Please enter a numeric value for Max. Solar Resourcey"},

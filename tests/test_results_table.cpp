@@ -101,12 +101,9 @@ TEST(ResultsTable, WindSentencesForEveryClassAndTheGrayFallback)
     struct Row { int color; const char* sentence; };
     const Row rows[] = {
         {RGB(230, 230, 230), "Wind Power Density < 200"},  // the result gray is not the renderer's white
-        {RGB(255, 255, 255), "Wind Power Density < 200"},
-        {RGB(222, 184, 135), "Wind Power Density >= 200 and < 300"},
-        {RGB(254, 172, 0), "Wind Power Density >= 300 and < 400"},
-        {RGB(255, 0, 0), "Wind Power Density >= 600 and < 800"},
-        {RGB(0, 0, 255), "Wind Power Density >= 800"},
-        {RGB(1, 2, 3), "Wind Power Density < 200"},
+        {RGB(255, 255, 255), "Wind Power Density < 200"}, {RGB(222, 184, 135), "Wind Power Density >= 200 and < 300"},
+        {RGB(254, 172, 0), "Wind Power Density >= 300 and < 400"}, {RGB(255, 0, 0), "Wind Power Density >= 600 and < 800"},
+        {RGB(0, 0, 255), "Wind Power Density >= 800"}, {RGB(1, 2, 3), "Wind Power Density < 200"},
     };
     for (const Row& r : rows) EXPECT_EQ(CreateAreaDescription(r.color), r.sentence) << r.sentence;
 
