@@ -2,10 +2,8 @@
 // back, and every way the command stops without writing.
 #include <gtest/gtest.h>
 
-#include <gdal.h>
-#include <ogr_api.h>
-#include <ogr_srs_api.h>
-#include <cpl_conv.h>
+#include <gdal_priv.h>
+#include <ogrsf_frmts.h>
 
 #include <filesystem>
 #include <fstream>
@@ -57,30 +55,23 @@ Saved readBack(const std::string& path)
 {
     Saved s;
     GDALAllRegister();
-    GDALDatasetH ds = GDALOpenEx(path.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY, nullptr, nullptr, nullptr);
+    std::unique_ptr<GDALDataset> ds(GDALDataset::Open(path.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY));
     if (!ds) return s;
-    s.opened = true;
-    OGRLayerH layer = GDALDatasetGetLayer(ds, 0);
-    s.geomType = int(wkbFlatten(OGR_L_GetGeomType(layer)));
-    OGRFeatureDefnH defn = OGR_L_GetLayerDefn(layer);
-    for (int i = 0; i < OGR_FD_GetFieldCount(defn); ++i) {
-        OGRFieldDefnH f = OGR_FD_GetFieldDefn(defn, i);
-        s.fields += std::string(i ? ", " : "") + OGR_Fld_GetNameRef(f) + " " + OGR_GetFieldTypeName(OGR_Fld_GetType(f))
-                    + " " + std::to_string(OGR_Fld_GetWidth(f)) + "." + std::to_string(OGR_Fld_GetPrecision(f));
+    OGRLayer* layer = ds->GetLayer(0);
+    s.opened = true, s.geomType = int(wkbFlatten(layer->GetGeomType()));
+    const OGRFeatureDefn* defn = layer->GetLayerDefn();
+    for (int i = 0; i < defn->GetFieldCount(); ++i) {
+        const OGRFieldDefn* f = defn->GetFieldDefn(i);
+        s.fields += std::string(i ? ", " : "") + f->GetNameRef() + " " + OGRFieldDefn::GetFieldTypeName(f->GetType()) + " "
+                    + std::to_string(f->GetWidth()) + "." + std::to_string(f->GetPrecision());
     }
-    if (OGRSpatialReferenceH srs = OGR_L_GetSpatialRef(layer)) {
-        char* wkt = nullptr;
-        OSRExportToWkt(srs, &wkt);
-        s.srsWkt = wkt ? wkt : "";
-        CPLFree(wkt);
+    char* wkt = nullptr;
+    if (const OGRSpatialReference* srs = layer->GetSpatialRef(); srs && srs->exportToWkt(&wkt) == OGRERR_NONE) s.srsWkt = wkt;
+    CPLFree(wkt);
+    for (const auto& feat : *layer) {
+        s.values.push_back(feat->GetFieldAsDouble(0));
+        s.areas.push_back(feat->GetGeometryRef() ? OGR_G_Area(OGRGeometry::ToHandle(feat->GetGeometryRef())) : -1);
     }
-    while (OGRFeatureH feat = OGR_L_GetNextFeature(layer)) {
-        s.values.push_back(OGR_F_GetFieldAsDouble(feat, 0));
-        OGRGeometryH g = OGR_F_GetGeometryRef(feat);
-        s.areas.push_back(g ? OGR_G_Area(g) : -1);
-        OGR_F_Destroy(feat);
-    }
-    GDALClose(ds);
     return s;
 }
 
