@@ -90,8 +90,6 @@ inline void pick(ComboBox* box, const QString& name)
     if (i < 0) ADD_FAILURE() << "no entry " << name.toStdString();
     else box->setListIndex(i);
 }
-inline void selectQuery(FrmMain& f, const QString& name) { pick(f.cboSelectQuery, name); }
-inline void selectResource(FrmMain& f, const QString& name) { pick(f.cboQueryDropDown3, name); }
 
 inline void setRange(FrmMain& f, const QString& min, const QString& max)
 { f.cboQueryDropDown->setText(min), f.cboQueryDropDown2->setText(max); }
@@ -137,8 +135,8 @@ inline FrmMain& panel(const std::string& dir, const QString& query, const QStrin
 {
     FrmMain& f = freshMain();
     load(f, dir);
-    selectQuery(f, query);
-    if (!resource.isEmpty()) selectResource(f, resource);
+    pick(f.cboSelectQuery, query);
+    if (!resource.isEmpty()) pick(f.cboQueryDropDown3, resource);
     if (!min.isNull()) setRange(f, min, max);
     testsupport::recorder().clear();
     return f;

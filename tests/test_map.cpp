@@ -222,7 +222,6 @@ TEST_F(MapTest, SetExtentKeepsTheAspectAboutTheCentreAndPointsFollowIt)
     for (const Rectangle& r : {Rectangle(5, 5, 5, 20), Rectangle(5, 5, 20, 5), Rectangle(5, 5, 5, 5), Rectangle(20, 5, 5, 20)})
         map.setExtent(r);
     EXPECT_TRUE(log.events.isEmpty());
-
     // A resize keeps what was asked for in view.
     map.resize(100, 200);
     expectRect(map.Extent(), 10, -20, 50, 60);

@@ -19,10 +19,7 @@ using datagen::GeomKind;
 namespace {
 
 std::string square(double x, double y, double s)
-{
-    auto p = [](double a, double b) { return std::to_string(a) + " " + std::to_string(b); };
-    return "POLYGON((" + p(x, y) + "," + p(x + s, y) + "," + p(x + s, y + s) + "," + p(x, y + s) + "," + p(x, y) + "))";
-}
+{ return QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(x).arg(y).arg(x + s).arg(y + s).toStdString(); }
 
 MapLayerPtr layerFor(const std::string& path)
 {

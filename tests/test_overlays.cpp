@@ -24,10 +24,7 @@ const int kClass400 = RGB(255, 110, 180), kClass500 = RGB(154, 50, 205), kClass6
 
 // A self-crossing ring: any real overlay with it fails.
 std::string bowtie(double x, double y, double s)
-{
-    auto n = [](double a, double b) { return std::to_string(a) + " " + std::to_string(b); };
-    return "POLYGON((" + n(x, y) + "," + n(x + s, y + s) + "," + n(x + s, y) + "," + n(x, y + s) + "," + n(x, y) + "))";
-}
+{ return QString("POLYGON((%1 %2,%3 %4,%3 %2,%1 %4,%1 %2))").arg(x).arg(y).arg(x + s).arg(y + s).toStdString(); }
 
 using Named = std::vector<std::pair<std::string, std::string>>;
 
