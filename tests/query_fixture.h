@@ -1,7 +1,5 @@
 #pragma once
-// Shared by the tests of the query run, the results table, the overlays and
-// the batch tool: a fresh main form, tiny hand-made datasets, and driving the
-// panel as a user.
+// For the query tests: a fresh main form, tiny hand-made datasets, and the panel driven as a user drives it.
 #include <QDir>
 #include <ostream>
 #include <QStringList>
@@ -59,8 +57,7 @@ inline void writeLines(const std::string& dir, const std::string& file, const st
     datagen::writeShapefile(dir + "/" + file, datagen::GeomKind::Line, {{"ID", 'I'}}, features);
 }
 
-// A point far from everything, so that a repaint always draws a layer that
-// does not cover the results.
+// A point far from everything: a repaint always draws a layer, one that does not cover the results.
 inline void writeCity(const std::string& dir)
 {
     datagen::writeShapefile(dir + "/59_cities.shp", datagen::GeomKind::Point, {{"NAME", 'C', 20}},
@@ -106,8 +103,7 @@ inline int colorAt(const QString& key) { return cSymbols->Item(key)->Color; }
 
 }  // namespace qf
 
-// The range queries, set up as a user would; kept apart from qf so that the
-// names cannot clash with those of files that use only qf.
+// The range queries set up as a user would; apart from qf so that names cannot clash in files using only qf.
 namespace qrun {
 
 using namespace qf;

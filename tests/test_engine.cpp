@@ -1,6 +1,4 @@
-// The query run from the press of Update Map to the painted map: the result
-// model, the progress texts, Cancel served inside a yield, refusals and
-// failures, the range expressions and the solar queries.
+// The query run from Update Map to the painted map: result model, progress, Cancel, refusals, failures, expressions.
 #include <QElapsedTimer>
 #include <QImage>
 #include <QMetaObject>

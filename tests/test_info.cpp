@@ -1,5 +1,4 @@
-// The identify window: which layers and records a press finds, and the text
-// it writes for them.
+// The identify window: which layers and records a press finds, and the text it writes for them.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -32,8 +31,7 @@ std::string pointAt(double x, double y) { return "POINT(" + xy(x, y) + ")"; }
 
 datagen::AttrValue txt(const char* s) { return std::string(s); }
 
-// The .dbf writer refuses two names that differ only in case, so the second
-// one is given its final spelling in the header afterwards.
+// The .dbf writer refuses names differing only in case: the second is respelt in the header afterwards.
 void renameDbfField(const std::string& dbfPath, int index, const std::string& name)
 {
     std::fstream f(dbfPath, std::ios::in | std::ios::out | std::ios::binary);

@@ -1,5 +1,4 @@
-// The legend control: its entries and class texts, its check boxes and the
-// bitmap it writes.
+// The legend control: its entries and class texts, its check boxes and the bitmap it writes.
 #include <gtest/gtest.h>
 
 #include <QApplication>

@@ -1,5 +1,4 @@
-// The map control: draw events and their order, what lies over what, class
-// colours at the breaks, the view's geometry and the mouse holds.
+// The map control: draw events and their order, what lies over what, class colours, the view and the mouse holds.
 #include <gtest/gtest.h>
 
 #include <QApplication>

@@ -1,5 +1,4 @@
-// The data side of the mapping component: reading, selecting, overlaying and
-// writing shapefiles, on files the tests write themselves.
+// The data side of the mapping component: reading, selecting and overlaying files the tests write themselves.
 #include <gtest/gtest.h>
 
 #include <QDir>

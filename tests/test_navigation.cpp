@@ -13,8 +13,7 @@ using testsupport::recorder;
 
 namespace {
 
-// A geographic system on a = 6378137 and f = 0.003352813, with the unit named
-// as given.
+// A geographic system on a = 6378137 and f = 0.003352813, with the unit named as given.
 QString geographicWkt(const QString& unit)
 {
     return QStringLiteral("GEOGCS[\"GCS_Test\",DATUM[\"D_Test\",SPHEROID[\"Test\",6378137.0,%1]],"
@@ -33,8 +32,7 @@ QString projectedWkt(const QString& unit, double toMetres = 1.0)
         .arg(unit, QString::number(toMetres, 'g', 17));
 }
 
-// One standard file with a polygon over the given box and a projection file
-// of the given text (none when empty).
+// One standard file with a polygon over the box and a projection file of the text (none when empty).
 void writeLayer(const QString& dir, const QString& name, double l, double b, double r, double t, const QString& wkt)
 {
     const QString box = QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(l).arg(b).arg(r).arg(t);
@@ -47,8 +45,7 @@ void writeLayer(const QString& dir, const QString& name, double l, double b, dou
     }
 }
 
-// A directory holding only the country boundary, in the given system (over 20 by
-// 20 degrees or 2000 by 2000 km), loaded.
+// Loads only the country boundary in the system, over 20 by 20 degrees or 2000 by 2000 km.
 void loadCountry(const std::string& name, const QString& wkt)
 {
     const QString dir = q(testsupport::tempDir(name));
@@ -59,8 +56,7 @@ void loadCountry(const std::string& name, const QString& wkt)
 
 double miles(Map* map, double lon1, double lat1, double lon2, double lat2) { return DegreesToMiles(map, lon1, lat1, lon2, lat2); }
 
-// A view exactly w wide about (cx, cy), with the control's own proportions so
-// that the map keeps the width asked for.
+// A view exactly w wide about (cx, cy), in the control's proportions so that the map keeps that width.
 void showWidth(Map* map, double cx, double cy, double w)
 {
     const double h = w * map->height() / map->width();
@@ -235,7 +231,8 @@ TEST_F(Navigation, ToolChoiceSetsTheModeAndThePointer)
         bQueryDrawn = true;
         main->optPanZoom[size_t(c.tool)]->setChecked(true);
         main->Map1_MouseMove(0, 0, 10, 10);
-        EXPECT_EQ((std::tuple{int(main->iToolMode), bQueryDrawn, main->Map1->MousePointer()}), (std::tuple{c.tool, false, c.pointer}));
+        EXPECT_EQ((std::tuple{int(main->iToolMode), bQueryDrawn, main->Map1->MousePointer()}),
+                  (std::tuple{c.tool, false, c.pointer}));
     }
     main->iToolMode = 3;
     main->Map1_MouseMove(0, 0, 10, 10);

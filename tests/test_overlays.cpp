@@ -1,7 +1,4 @@
-// The overlay queries on small hand-made data whose areas are known by hand:
-// protected areas taken away, land use, line buffers with their tiers and
-// proximity, and all criteria together; the order of the results, their
-// colours, the progress texts, the question, Cancel and the failures.
+// The overlay queries on hand-made data of known areas: results, order, colours, progress, questions, failures.
 #include <QMetaObject>
 #include <cmath>
 
@@ -63,8 +60,7 @@ std::vector<std::string> shortSegments(int count, double y = 0)
     return out;
 }
 
-// Area of one 1 m buffer of a 10 m segment: the rectangle and a circle of
-// 32 sides, which is how the buffer rounds its ends.
+// Area of a 1 m buffer of a 10 m segment: the rectangle and a circle of 32 sides, as the buffer rounds its ends.
 const double kSegmentBuffer = 20.0 + 16.0 * std::sin(2 * M_PI / 32);
 
 double areaOf(const ShapePtr& s) { return std::dynamic_pointer_cast<GeoShape>(s)->Area(); }

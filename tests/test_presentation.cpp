@@ -1,6 +1,4 @@
-// The fixed look of the standard layers beyond the literal tables: symbols of
-// the plain layers, the display name a solar layer takes, land-use values as
-// the data writes them, and the failures.
+// The look of the standard layers beyond the literal tables: plain symbols, solar names, land-use values, failures.
 #include <gtest/gtest.h>
 #include <limits>
 #include <tuple>
@@ -137,7 +135,8 @@ TEST_F(Presentation, LayerPropertiesTable)
     auto labels = std::dynamic_pointer_cast<LabelRenderer>(states->Renderer);
     ASSERT_TRUE(labels);
     const auto& font = labels->Symbol(0)->Font;
-    EXPECT_EQ((std::tuple{labels->AllowDuplicates, font.Name, font.Bold, font.Size}), (std::tuple{true, QString("MS Sans Serif"), true, 12}));
+    EXPECT_EQ((std::tuple{labels->AllowDuplicates, font.Name, font.Bold, font.Size}),
+              (std::tuple{true, QString("MS Sans Serif"), true, 12}));
     EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
 }
 

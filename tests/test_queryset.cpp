@@ -1,5 +1,4 @@
-// Query set-up: the list of queries, what each needs from the loaded dataset,
-// how the parameter panel is arranged and filled, and how its values are judged.
+// Query set-up: the query list, what each query needs, the parameter panel and how its values are judged.
 #include <QApplication>
 #include <map>
 
@@ -21,7 +20,8 @@ const QStringList kQueries = {
 };
 const char* const kConc40 = "40 km Solar Concentrators Annual Average(KWH/M2/DAY)";
 
-std::string square(int i) { return QString("POLYGON((%1 0,%1 800,%2 800,%2 0,%1 0))").arg(1000 * i).arg(1000 * i + 800).toStdString(); }
+std::string square(int i)
+{ return QString("POLYGON((%1 0,%1 800,%2 800,%2 0,%1 0))").arg(1000 * i).arg(1000 * i + 800).toStdString(); }
 
 struct Content {
     std::set<std::string> files = {"20_wind.shp",  "02_landuse.shp",          "31_protectedarea.shp",

@@ -1,6 +1,4 @@
-// The Results Table window: one row per colour of the result in order of
-// first occurrence, areas in sq km, the class sentences of wind and solar,
-// the 14-row limit, and rows that are only ever filled.
+// The Results Table: a row per colour in order of first occurrence, sq km, class sentences, 14 rows at most.
 #include <QCoreApplication>
 #include <QEvent>
 #include <tuple>

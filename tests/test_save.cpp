@@ -1,5 +1,4 @@
-// Save Result: the result model written as a polygon shapefile that GDAL reads
-// back, and every way the command stops without writing.
+// Save Result: the result written as a shapefile that GDAL reads back, and every way it stops without writing.
 #include <gtest/gtest.h>
 
 #include <gdal_priv.h>

@@ -1,5 +1,4 @@
-// The scale bar control: which round length it shows for an extent and unit,
-// where it draws the bar, and in which colours.
+// The scale bar control: the round length for an extent and unit, where the bar goes, and its colours.
 #include <QImage>
 #include <QPixmap>
 #include <gtest/gtest.h>
@@ -32,7 +31,9 @@ TEST(ScaleBar, RoundLengthIsTheLargestOfOneTwoTwoAndAHalfFiveBelow)
 
 TEST(ScaleBar, LengthUnitAndLabelsFollowTheExtentUnitCodeAndMode)
 {
-    struct Case { const char* what; int units; double left, top, right, bottom; int divisions; float ratio; QStringList labels; QString unit; };
+    struct Case {
+        const char* what; int units; double left, top, right, bottom; int divisions; float ratio; QStringList labels; QString unit;
+    };
     const QStringList km75 = {"0", "25", "50", "75"};
     const Case cases[] = {
         {"160 km of metres", ScaleBar::Meters, 0, 100000, 160000, 0, 3, 0.6f, km75, "Kilometers"},

@@ -1,5 +1,4 @@
-// The literal tables the system is made of, written out here again from the
-// tables the user sees, never taken from the code: a changed entry fails.
+// The literal tables of the system, written out again from what the user sees, never taken from the code.
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>

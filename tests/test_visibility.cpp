@@ -1,5 +1,4 @@
-// Which layers show after a load, after a reset, through the Change Layers
-// dialog and the legend, and what the label of visible layers says.
+// Which layers show after a load, a reset, the Change Layers dialog and the legend, and the label of them.
 #include <QCheckBox>
 #include <QPushButton>
 #include <QTimer>
@@ -121,21 +120,16 @@ TEST_F(Visibility, TheLabelListsVisibleLayersTopFirstWithTrailingSeparators)
     EXPECT_TRUE(all.startsWith("Cities; Airports; ") && all.endsWith("; Land Use; Elevation (meters); ")) << all.toStdString();
 }
 
-TEST_F(Visibility, TheDialogWithoutLayers)
+TEST_F(Visibility, DialogOffersTwentySevenLayersAndLeavesTheTwentyEighthAlone)
 {
+    // No layers: no box shows, and OK says nothing.
     FrmShowLayersDialog& d = frmShowLayersDialog();
     d.Form_Activate();
     for (QCheckBox* box : d.chkShowLayers) EXPECT_FALSE(Visible(box));
     d.OKButton_Click();
-    EXPECT_NO_BOXES();
-}
-
-TEST_F(Visibility, DialogOffersTwentySevenLayersAndLeavesTheTwentyEighthAlone)
-{
     // 27 layers: every box shows, box i is layer i.
     loadDirectory(q(testsupport::dataset("small", 1, {"22_wind.shp"})));
     ASSERT_EQ(map()->Layers().Count(), 27);
-    FrmShowLayersDialog& d = frmShowLayersDialog();
     d.Form_Activate();
     for (int i = 0; i < 27; ++i) {
         const MapLayerPtr l = map()->Layers().Item(i);
