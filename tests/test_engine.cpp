@@ -133,7 +133,7 @@ TEST(QueryRun, CancelServedInsideAYieldKeepsThePartialResult)
     EXPECT_EQ(log.texts, QStringList({"Calculating..."}));
 }
 
-TEST(QueryRun, FailureInAWorkerLeavesTheWindowUsable)
+TEST(QueryRun, FailureInAWorkerLeavesTheWindowUsableAndSolarRefusalsComeFirst)
 {
     const std::string dir = windDataset("wind-failure");
     FrmMain& f = panel(dir, kWindQuery, "200", "Max");
@@ -147,10 +147,7 @@ TEST(QueryRun, FailureInAWorkerLeavesTheWindowUsable)
     load(f, dir);
     f.cmdUpdateMap->click();
     EXPECT_EQ(cShapes->Count(), 6);
-}
 
-TEST(QueryRun, SolarFailuresAndRefusals)
-{
     {
         // A missing resource is refused before anything else: the first of the list has no file here.
         FrmMain& f = panel(solarDir("solar-missing", "14_solar_glo.shp", "ANNGLO", {5.5}), kSolarQuery);

@@ -50,7 +50,7 @@ std::vector<int> idsOf(const RecordsetPtr& rs)
 
 }  // namespace
 
-TEST(Selection, RangeExpressionsAreInclusiveAndNoneWhenNothingMatches)
+TEST(Selection, RangeExpressionsAreInclusiveNoneWhenNothingMatchesAndRecordsWalkInTableOrder)
 {
     auto wind = layerFor(windFile(testsupport::tempDir("sel")));
     ASSERT_TRUE(wind);
@@ -64,6 +64,21 @@ TEST(Selection, RangeExpressionsAreInclusiveAndNoneWhenNothingMatches)
     ASSERT_TRUE(rs && rs->CalculateStatistics("WINDPWRD"));
     EXPECT_TRUE(rs->CalculateStatistics("WINDPWRD")->Max == 950 && rs->CalculateStatistics("FeatureID")->Count == 11);
     EXPECT_THROW(rs->CalculateStatistics("NOSUCH"), MapError);
+
+    // Shape values outlive the cursor; fields walk in table order.
+    rs = wind->Records();
+    ShapePtr first = rs->Fields().Item("Shape").shapeValue();
+    EXPECT_EQ(rs->Fields().Item("Shape").Type(), moPolygon);
+    while (!rs->Eof()) rs->MoveNext();
+    EXPECT_THROW(rs->Fields().Item("WINDPWRD").Value(), MapError);
+    ASSERT_TRUE(first);
+    EXPECT_NEAR(asPolygon(first)->Area(), 1e6, 1e-6);
+    rs->MoveFirst();
+    auto fields = rs->Fields();
+    QStringList names;
+    for (int i = 0; i < fields.Count(); ++i) names << fields.at(i).Name();
+    EXPECT_EQ(names << fields.Item("WINDPWRD").toText(), QStringList({"Shape", "FeatureID", "WINDPWRD", "WINDCLASS", "150"}));
+    EXPECT_THROW(fields.Item("NOSUCH"), MapError);
 }
 
 // A grid repeats its values; an expression over one field is evaluated once per
@@ -128,24 +143,6 @@ TEST(Selection, TextsKeepLeadingBlanksAndTheExpressionSeesThem)
     // A quote inside a name is not doubled by the callers: the expression is malformed.
     EXPECT_THROW(lu->SearchExpression("(LAND_USE = 'O'Brien')"), MapError);
     EXPECT_EQ(lu->Records()->CalculateStatistics("LAND_USE"), nullptr);
-}
-
-TEST(Records, ShapeValuesOutliveTheCursorAndFieldsWalkInTableOrder)
-{
-    auto wind = layerFor(windFile(testsupport::tempDir("rec")));
-    auto rs = wind->Records();
-    ShapePtr first = rs->Fields().Item("Shape").shapeValue();
-    EXPECT_EQ(rs->Fields().Item("Shape").Type(), moPolygon);
-    while (!rs->Eof()) rs->MoveNext();
-    EXPECT_THROW(rs->Fields().Item("WINDPWRD").Value(), MapError);
-    ASSERT_TRUE(first);
-    EXPECT_NEAR(asPolygon(first)->Area(), 1e6, 1e-6);
-    rs->MoveFirst();
-    auto fields = rs->Fields();
-    QStringList names;
-    for (int i = 0; i < fields.Count(); ++i) names << fields.at(i).Name();
-    EXPECT_EQ(names << fields.Item("WINDPWRD").toText(), QStringList({"Shape", "FeatureID", "WINDPWRD", "WINDCLASS", "150"}));
-    EXPECT_THROW(fields.Item("NOSUCH"), MapError);
 }
 
 TEST(Overlays, AreasAgainstHandComputedValues)

@@ -205,7 +205,7 @@ TEST_F(Navigation, MouseUpLeavesDragsOtherToolsAndAnEmptyMapAlone)
     EXPECT_NEAR(map()->Extent()->Width(), w / 2, 1e-6 * w);
 }
 
-TEST_F(Navigation, MouseDownStoresThePointRoundedAndOpensInformationOnlyOverAMap)
+TEST_F(Navigation, MouseDownStoresThePointRoundedInformationOnlyOverAMapAndToolsSetThePointer)
 {
     struct Case { float x, y; int16_t ix, iy; };
     for (const Case c : {Case{10.5f, 11.5f, 10, 12}, Case{99.4f, 0.6f, 99, 1}, Case{2.5f, 3.5f, 2, 4}}) {
@@ -222,12 +222,10 @@ TEST_F(Navigation, MouseDownStoresThePointRoundedAndOpensInformationOnlyOverAMap
     ASSERT_EQ(main->iToolMode, 2);
     main->Map1_MouseDown(1, 0, 3000, 3000);
     EXPECT_TRUE(frmInfoExists() && main->iDownX == 3000);
-}
 
-TEST_F(Navigation, ToolChoiceSetsTheModeAndThePointer)
-{
-    struct Case { int tool; int pointer; };
-    for (const Case c : {Case{0, 53}, Case{1, 50}, Case{2, 14}}) {
+    // The choice of a tool sets the mode and the pointer, and stays across a load.
+    struct Tool { int tool; int pointer; };
+    for (const Tool c : {Tool{0, 53}, Tool{1, 50}, Tool{2, 14}}) {
         bQueryDrawn = true;
         main->optPanZoom[size_t(c.tool)]->setChecked(true);
         main->Map1_MouseMove(0, 0, 10, 10);
@@ -237,7 +235,6 @@ TEST_F(Navigation, ToolChoiceSetsTheModeAndThePointer)
     main->iToolMode = 3;
     main->Map1_MouseMove(0, 0, 10, 10);
     EXPECT_EQ(main->Map1->MousePointer(), 1);
-    // The tool stays as chosen across a load.
     main->optPanZoom[0]->setChecked(true);
     loadDirectory(q(testsupport::dataset()));
     EXPECT_EQ(main->iToolMode, 0);

@@ -46,7 +46,7 @@ protected:
 
 }  // namespace
 
-TEST_F(Presentation, FieldsWithoutAClassTableAndTheirFailures)
+TEST_F(Presentation, FieldsWithoutAClassTableAndTheFailuresOfRenderersAndProperties)
 {
     auto colourOf = [](const char* field) {
         auto s = std::make_shared<Symbol>();
@@ -65,6 +65,26 @@ TEST_F(Presentation, FieldsWithoutAClassTableAndTheirFailures)
     recorder().clear();
     SetClassSymbolColor("WINDPWRD", 500, nullptr);
     EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.FillcboSelectQuery()"});
+    recorder().clear();
+
+    // The land-use renderer fails without data; it reports itself and the layer is still named.
+    auto bare = std::make_shared<MapLayer>();
+    SetLayerProperties(bare, "02_landuse.shp", "");
+    EXPECT_EQ(bare->Name, "Land Use");
+    EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.LayerRenderer()"});
+    recorder().clear();
+    SetLayerProperties(nullptr, "43_roads.shp", "");
+    EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.SetLayerProperties()"});
+    recorder().clear();
+
+    // An empty file gives an empty hidden classing; without the field the layer keeps its plain symbol and shows.
+    auto empty = landUseLayer("landuse-empty", {});
+    auto r = landUseRenderer(empty);
+    ASSERT_TRUE(r);
+    EXPECT_TRUE(r->ValueCount() == 0 && !empty->Visible && recorder().boxes.empty());
+    auto wrong = landUseLayer("landuse-wrongfield", {"FOREST"}, "LANDUSE");
+    EXPECT_TRUE(!landUseRenderer(wrong) && wrong->Visible);
+    EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.LayerRenderer()"});
 }
 
 TEST_F(Presentation, LandUseValuesAreClassedAsTheDataWritesThem)
@@ -138,26 +158,4 @@ TEST_F(Presentation, LayerPropertiesTable)
     EXPECT_EQ((std::tuple{labels->AllowDuplicates, font.Name, font.Bold, font.Size}),
               (std::tuple{true, QString("MS Sans Serif"), true, 12}));
     EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
-}
-
-TEST_F(Presentation, LandUseAndPropertiesFailures)
-{
-    // The land-use renderer fails without data; it reports itself and the layer is still named.
-    auto bare = std::make_shared<MapLayer>();
-    SetLayerProperties(bare, "02_landuse.shp", "");
-    EXPECT_EQ(bare->Name, "Land Use");
-    EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.LayerRenderer()"});
-    recorder().clear();
-    SetLayerProperties(nullptr, "43_roads.shp", "");
-    EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.SetLayerProperties()"});
-    recorder().clear();
-
-    // An empty file gives an empty hidden classing; without the field the layer keeps its plain symbol and shows.
-    auto empty = landUseLayer("landuse-empty", {});
-    auto r = landUseRenderer(empty);
-    ASSERT_TRUE(r);
-    EXPECT_TRUE(r->ValueCount() == 0 && !empty->Visible && recorder().boxes.empty());
-    auto wrong = landUseLayer("landuse-wrongfield", {"FOREST"}, "LANDUSE");
-    EXPECT_TRUE(!landUseRenderer(wrong) && wrong->Visible);
-    EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.LayerRenderer()"});
 }
