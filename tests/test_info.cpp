@@ -188,7 +188,7 @@ TEST_F(InfoTest, FieldsDifferingOnlyInCaseInBothFormats)
               "Lakes\r\nName: first\r\nNAME: second\r\n\r\n\r\n");
 }
 
-TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloads)
+TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloadsAFailureKeepsTheText)
 {
     FrmInfo* first = &frmInfo();
     EXPECT_EQ(QStringList({first->windowTitle(), first->OKButton->text()}), QStringList({"Map Information", "OK"}));
@@ -204,11 +204,8 @@ TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloads)
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     // The next use makes the form anew, with its first text.
     EXPECT_TRUE(frmInfo().txtInfo->Text() == "Information from all layers" && recorder().boxes.empty());
-}
 
-// A failure ends the activation with its text; the box keeps what it had.
-TEST_F(InfoTest, FailureKeepsTheTextAndReportsTheActivation)
-{
+    // A failure ends the activation with its text; the box keeps what it had.
     auto unbound = std::make_shared<MapLayer>();
     unbound->Tag = "30_lakes.shp";
     map().Layers().Add(unbound);

@@ -267,17 +267,9 @@ protected:
     std::function<void()> onDown;
 };
 
-TEST_F(MapMouseTest, ButtonsAndKeysAreCodedAndPositionsAreInTwips)
-{
-    send(event(QEvent::MouseButtonPress, {10, 20}, Qt::RightButton, Qt::RightButton, Qt::ControlModifier));
-    send(event(QEvent::MouseMove, {11, 21}, Qt::NoButton, Qt::MiddleButton, Qt::ShiftModifier | Qt::AltModifier));
-    send(event(QEvent::MouseButtonRelease, {12, 22}, Qt::LeftButton, Qt::NoButton, Qt::ShiftModifier));
-    EXPECT_EQ(log, QStringList({"down 2 2 150 300", "move 4 5 165 315", "up 1 1 180 330"}));
-}
-
 // A hold runs while the rest of the gesture waits in the queue; MouseUp comes
 // after it, and no MouseMove is raised while held.
-TEST_F(MapMouseTest, HoldsTrackOrPanWithTheGesture)
+TEST_F(MapMouseTest, HoldsTrackOrPanWithTheGestureAndButtonsAndKeysAreCodedInTwips)
 {
     struct Step { QEvent::Type type; QPointF pos; };
     struct Case { bool pan; QPointF down; std::vector<Step> rest; double l, b, r, t; QStringList log; };
@@ -315,6 +307,13 @@ TEST_F(MapMouseTest, HoldsTrackOrPanWithTheGesture)
     send(event(Up, {10, 10}, Qt::LeftButton, Qt::NoButton));
     map.Pan();
     EXPECT_TRUE(map.Extent()->Left == 0 && map.TrackRectangle()->Width() == 0);
+
+    // Buttons and keys are coded, and positions are in twips.
+    log.clear();
+    send(event(QEvent::MouseButtonPress, {10, 20}, Qt::RightButton, Qt::RightButton, Qt::ControlModifier));
+    send(event(QEvent::MouseMove, {11, 21}, Qt::NoButton, Qt::MiddleButton, Qt::ShiftModifier | Qt::AltModifier));
+    send(event(QEvent::MouseButtonRelease, {12, 22}, Qt::LeftButton, Qt::NoButton, Qt::ShiftModifier));
+    EXPECT_EQ(log, QStringList({"down 2 2 150 300", "move 4 5 165 315", "up 1 1 180 330"}));
 }
 
 }  // namespace

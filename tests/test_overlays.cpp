@@ -133,7 +133,7 @@ Panel allPanel(bool ticked) { return {.landUses = {"FOREST", "WATER"}, .chosen =
 
 // ------------------------------------------------------ protected areas
 
-TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrder)
+TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrderAndAFailingCutGivesNothing)
 {
     loaded(dataset("protected", {.wind = {{rect(0, 0, 1000, 1000), 500},         // right half protected, and a notch
                                           {rect(3000, 0, 1000, 1000), 800},      // untouched: comes back whole
@@ -151,10 +151,7 @@ TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrder)
     EXPECT_EQ(QList<double>({cFieldValues->Item("0").toDouble(), cFieldValues->Item("1").toDouble()}), QList<double>({500, 800}));
     // The counter starts at 1, so the last record shows 100.0%.
     EXPECT_EQ(log.texts, overlaying("Overlaying...", {"33.3", "66.7", "100.0"}));
-}
 
-TEST(ProtectedAreas, OneRecordAndAFailingCut)
-{
     // The self-crossing wind polygon cannot be cut and gives nothing; the
     // next one is cut by the only protected record, with no word.
     loaded(dataset("protected-edges", {.wind = {{bowtie(0, 0, 1000), 600}, {rect(3000, 0, 1000, 1000), 400}},

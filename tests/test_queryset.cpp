@@ -340,7 +340,7 @@ TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFile)
     EXPECT_NO_BOXES();
 }
 
-TEST_F(QuerySet, WindMaximumWarning)
+TEST_F(QuerySet, WindMaximumWarningAndAWindLayerWithoutItsField)
 {
     auto warning = [](const QString& m) {
         return "The query results will be shown in light gray. Maximum Wind Power Density (" + m +
@@ -365,10 +365,9 @@ TEST_F(QuerySet, WindMaximumWarning)
         pick(frmMain(), "Best wind + roads");
         EXPECT_EQ(recorder().texts(), c.boxes);
     }
-}
 
-TEST_F(QuerySet, WindLayerWithoutItsField)
-{
+    // A wind layer without its field.
+    freshMain();
     loadDataset("no-windpwrd", Content{.windField = "WINDPOWER"});
     const QString text = "Cannot perform the Query. Please check the Wind Energy shapefile.This can happen if there is no "
                          "WINDPWRD field in the shape file.";

@@ -150,6 +150,16 @@ TEST_F(SaveTest, ResultReadsBackWithItsGeometriesValuesAndProjection)
     EXPECT_EQ(frmMain().Map1->Layers().Count(), 1);
     saveAs("again.shp");
     EXPECT_EQ(readBack(dir + "/again.shp").values.size(), 3u);
+
+    // The off-grid query leaves the values of the query before: the first are written, a record without one fails.
+    setResult({square(0, 0, 10), square(50, 0, 20)}, "WINDPWRD", {200, 300, 400, 500});
+    saveAs("stale.shp");
+    EXPECT_TRUE(recorder().boxes.empty());
+    EXPECT_EQ(readBack(dir + "/stale.shp").values, (std::vector<double>{200, 300}));
+
+    setResult({square(0, 0, 10), square(50, 0, 20)}, "WINDPWRD", {200});
+    saveAs("short.shp");
+    EXPECT_EQ(recorder().texts(), QStringList{kFailure});
 }
 
 TEST_F(SaveTest, ProjectionComesFromTheChosenSolarLayerOrIsLeftOut)
@@ -199,7 +209,7 @@ TEST_F(SaveTest, AskFirstAboveFiftyFeatures)
     }
 }
 
-TEST_F(SaveTest, SilentStopsWriteNothing)
+TEST_F(SaveTest, SilentStopsWriteNothingAndATitleEarlierInThePathCutsTheDirectoryShort)
 {
     // No query yet, an empty result.
     saveAs("x.shp");
@@ -220,11 +230,8 @@ TEST_F(SaveTest, SilentStopsWriteNothing)
     sFieldName.clear();
     saveAs("none.shp");
     EXPECT_TRUE(recorder().boxes.empty() && filesIn(dir).empty());
-}
 
-// The directory is what stands before the first occurrence of the file title.
-TEST_F(SaveTest, TitleEarlierInThePathCutsTheDirectoryShort)
-{
+    // The directory is what stands before the first occurrence of the file title.
     fs::create_directories(dir + "/a.shp.d");
     setResult({square(0, 0, 10)}, "WINDPWRD", {300});
     saveAs("a.shp.d/a.shp");
@@ -283,21 +290,6 @@ TEST_F(SaveTest, UnwritableTargetsEndWithTheFailureText)
     saveAs("ro/x.shp");
     fs::permissions(dir + "/ro", fs::perms::owner_all);
     EXPECT_TRUE(recorder().texts() == QStringList{kFailure} && filesIn(dir + "/ro").empty());
-}
-
-// "Best solar off-grid systems" leaves the values and field of the query
-// before it beside its own shapes: with more values the first are written,
-// with fewer the record without a value fails.
-TEST_F(SaveTest, AfterTheOffGridQueryTheValuesOfTheQueryBeforeAreUsed)
-{
-    setResult({square(0, 0, 10), square(50, 0, 20)}, "WINDPWRD", {200, 300, 400, 500});
-    saveAs("stale.shp");
-    EXPECT_TRUE(recorder().boxes.empty());
-    EXPECT_EQ(readBack(dir + "/stale.shp").values, (std::vector<double>{200, 300}));
-
-    setResult({square(0, 0, 10), square(50, 0, 20)}, "WINDPWRD", {200});
-    saveAs("short.shp");
-    EXPECT_EQ(recorder().texts(), QStringList{kFailure});
 }
 
 }  // namespace
