@@ -1,6 +1,5 @@
 #pragma once
-// Shared by the tests of the main window, loading, visibility and navigation:
-// a fresh main form per case and small hand-made shapefiles.
+// For the main window's tests: a fresh main form per case and small hand-made shapefiles.
 #include <QDir>
 #include <QFile>
 #include <gtest/gtest.h>
@@ -29,24 +28,18 @@ inline FrmMain& freshMain()
 
 inline QString q(const std::string& s) { return QString::fromStdString(s); }
 
-// n small squares in a row (or their centres, or their diagonals), with an
-// ID and a NAME field.
+// n small squares in a row (or their centres, or their diagonals), with an ID and a NAME field.
 inline void writeFeatures(const std::string& path, int n, datagen::GeomKind kind = datagen::GeomKind::Polygon,
                           bool withPrj = true)
 {
     std::vector<datagen::FeatureSpec> features;
     for (int i = 0; i < n; ++i) {
-        auto pt = [](double x, double y) { return std::to_string(x) + " " + std::to_string(y); };
-        const double x = 1000.0 * i;
-        std::string wkt;
-        if (kind == datagen::GeomKind::Polygon)
-            wkt = "POLYGON((" + pt(x, 0) + "," + pt(x + 800, 0) + "," + pt(x + 800, 800) + "," + pt(x, 800) + ","
-                  + pt(x, 0) + "))";
-        else if (kind == datagen::GeomKind::Line)
-            wkt = "LINESTRING(" + pt(x, 0) + "," + pt(x + 800, 800) + ")";
-        else
-            wkt = "POINT(" + pt(x + 400, 400) + ")";
-        features.push_back({wkt, {static_cast<long long>(i), "F" + std::to_string(i)}});
+        const int x = 1000 * i;
+        using datagen::GeomKind;
+        const QString wkt = kind == GeomKind::Polygon ? QString("POLYGON((%1 0,%2 0,%2 800,%1 800,%1 0))").arg(x).arg(x + 800)
+                            : kind == GeomKind::Line  ? QString("LINESTRING(%1 0,%2 800)").arg(x).arg(x + 800)
+                                                      : QString("POINT(%1 400)").arg(x + 400);
+        features.push_back({wkt.toStdString(), {static_cast<long long>(i), "F" + std::to_string(i)}});
     }
     datagen::writeShapefile(path, kind, {{"ID", 'I'}, {"NAME", 'C', 20}}, features, withPrj);
 }

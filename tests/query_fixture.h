@@ -1,7 +1,5 @@
 #pragma once
-// Shared by the tests of the query run, the results table, the overlays and
-// the batch tool: a fresh main form, tiny hand-made datasets, and driving the
-// panel as a user.
+// For the query tests: a fresh main form, tiny hand-made datasets, and the panel driven as a user drives it.
 #include <QDir>
 #include <ostream>
 #include <QStringList>
@@ -36,10 +34,8 @@ inline FrmMain& freshMain()
 
 inline std::string rect(double x, double y, double w, double h)
 {
-    const double xs[] = {x, x + w, x + w, x, x}, ys[] = {y, y, y + h, y + h, y};
-    std::string s = "POLYGON((";
-    for (int i = 0; i < 5; ++i) s += (i ? "," : "") + std::to_string(xs[i]) + " " + std::to_string(ys[i]);
-    return s + "))";
+    auto n = [](double v) { return QString::number(v, 'f', 6); };
+    return QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(n(x), n(y), n(x + w), n(y + h)).toStdString();
 }
 
 struct Poly { std::string wkt; double value; };
@@ -61,8 +57,7 @@ inline void writeLines(const std::string& dir, const std::string& file, const st
     datagen::writeShapefile(dir + "/" + file, datagen::GeomKind::Line, {{"ID", 'I'}}, features);
 }
 
-// A point far from everything, so that a repaint always draws a layer that
-// does not cover the results.
+// A point far from everything: a repaint always draws a layer, one that does not cover the results.
 inline void writeCity(const std::string& dir)
 {
     datagen::writeShapefile(dir + "/59_cities.shp", datagen::GeomKind::Point, {{"NAME", 'C', 20}},
@@ -92,14 +87,9 @@ inline void pick(ComboBox* box, const QString& name)
     if (i < 0) ADD_FAILURE() << "no entry " << name.toStdString();
     else box->setListIndex(i);
 }
-inline void selectQuery(FrmMain& f, const QString& name) { pick(f.cboSelectQuery, name); }
-inline void selectResource(FrmMain& f, const QString& name) { pick(f.cboQueryDropDown3, name); }
 
 inline void setRange(FrmMain& f, const QString& min, const QString& max)
-{
-    f.cboQueryDropDown->setText(min);
-    f.cboQueryDropDown2->setText(max);
-}
+{ f.cboQueryDropDown->setText(min), f.cboQueryDropDown2->setText(max); }
 
 // Records the progress texts of a run in order.
 struct ProgressLog {
@@ -113,8 +103,7 @@ inline int colorAt(const QString& key) { return cSymbols->Item(key)->Color; }
 
 }  // namespace qf
 
-// The range queries, set up as a user would; kept apart from qf so that the
-// names cannot clash with those of files that use only qf.
+// The range queries set up as a user would; apart from qf so that names cannot clash in files using only qf.
 namespace qrun {
 
 using namespace qf;
@@ -142,8 +131,8 @@ inline FrmMain& panel(const std::string& dir, const QString& query, const QStrin
 {
     FrmMain& f = freshMain();
     load(f, dir);
-    selectQuery(f, query);
-    if (!resource.isEmpty()) selectResource(f, resource);
+    pick(f.cboSelectQuery, query);
+    if (!resource.isEmpty()) pick(f.cboQueryDropDown3, resource);
     if (!min.isNull()) setRange(f, min, max);
     testsupport::recorder().clear();
     return f;

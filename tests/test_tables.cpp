@@ -1,5 +1,4 @@
-// The literal tables the system is made of, written out here again from the
-// tables the user sees, never taken from the code: a changed entry fails.
+// The literal tables of the system, written out again from what the user sees, never taken from the code.
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
@@ -185,24 +184,20 @@ const LandUseGroup kLandUse[] = {
     {RGB(252, 246, 93), {"PASTURES", "TOURIST DEVELOPMENT", "PERMANENT CULTURAL VEGETATION", "OPEN PASTURE",
         "GRASS CROPS", "ROCK"}},
     {RGB(201, 230, 249), {"HUMID AREA", "SWAMP", "FLOODED FORESTS", "RAIN FOREST", "WOODED WETLAND", "LAGOON"}},
-    {RGB(161, 186, 212), {"INDUSTRIAL"}},
-    {RGB(194, 158, 215), {"UNDEVELOPED", "MOIST FORESTS"}},
-    {RGB(250, 192, 165), {"PERMANENT VEGETATION"}},
-    {RGB(227, 190, 175), {"PERMANENT VEGETATION (CULTURAL PASTURE)"}},
+    {RGB(161, 186, 212), {"INDUSTRIAL"}}, {RGB(194, 158, 215), {"UNDEVELOPED", "MOIST FORESTS"}},
+    {RGB(250, 192, 165), {"PERMANENT VEGETATION"}}, {RGB(227, 190, 175), {"PERMANENT VEGETATION (CULTURAL PASTURE)"}},
     {RGB(230, 212, 252), {"PERMANENT VEGETATION (PASTURE)"}},
     {RGB(204, 115, 59), {"PERMANENT VEGETATION (PASTURE, COFFEE, FRUITS)"}},
     {RGB(214, 173, 188), {"BARREN TUNDRA", "CLOSED SAVANNA WOODLAND"}},
     {RGB(211, 255, 222), {"CONIFER FOREST", "EVERGREEN BROADLEAF FOREST", "CLOSED FOREST"}},
     {RGB(205, 137, 102), {"CROPS AND TOWN", "MODERATELY DENSE HERB/BUSH WITH SCATTERED TREES"}},
     {RGB(156, 166, 94), {"DRY TROPICAL WOODS", "OPEN SAVANNA WOODLAND"}},
-    {RGB(214, 219, 192), {"FOREST AND FIELD", "RESERVOIR"}},
-    {RGB(158, 187, 215), {"IRRIGATED CROPLAND", "RIVER"}},
+    {RGB(214, 219, 192), {"FOREST AND FIELD", "RESERVOIR"}}, {RGB(158, 187, 215), {"IRRIGATED CROPLAND", "RIVER"}},
     {RGB(237, 209, 255), {"MIRE, BOG, FEN", "SETTLEMENT"}},
     {RGB(255, 190, 190), {"SEASONAL TROPICAL FOREST", "UNCLASSIFIED/CLOUD"}},
     {RGB(199, 215, 158), {"SEMI DESERT SHRUBS", "WOODED TUNDRA", "WIDELY OPEN CULTIVATED SAVANNA WOODLAND"}},
     {RGB(215, 194, 158), {"TROPICAL DEGRADED FOREST", "MIXED TUNDRA", "OPEN CULTIVATED SAVANNA WOODLAND"}},
-    {RGB(179, 168, 191), {"URBAN", "URBAN AND BUILT-UP LAND"}},
-    {RGB(144, 192, 217), {"LAKE"}},
+    {RGB(179, 168, 191), {"URBAN", "URBAN AND BUILT-UP LAND"}}, {RGB(144, 192, 217), {"LAKE"}},
     {RGB(255, 255, 255), {"OTHER"}},
 };
 
@@ -238,22 +233,16 @@ QStringList solarList(const QString& suffix)
 
 struct InfoList { QStringList tags, fields; bool sorted; };
 const InfoList kInfoLists[] = {
-    {{"01_elevation.shp"}, {"Elev_m"}, false},
-    {{"02_landuse.shp"}, {"Land_use"}, false},
+    {{"01_elevation.shp"}, {"Elev_m"}, false}, {{"02_landuse.shp"}, {"Land_use"}, false},
     {{"11_solar_direct.shp", "15_solar_direct.shp", "17_solar_direct.shp", "13_solar_direct.shp"}, solarList("dir"), true},
     {{"12_solar_tilt.shp", "16_solar_tilt.shp", "18_solar_tilt.shp"}, solarList("tilt"), true},
-    {{"14_solar_glo.shp", "15_solar_glo.shp"}, solarList("glo"), true},
-    {{"20_wind.shp"}, {"WINDCLASS", "WINDPWRD"}, true},
-    {{"30_lakes.shp"}, {"NAME"}, false},
-    {{"31_protectedarea.shp"}, {"NAME", "TYPE"}, true},
+    {{"14_solar_glo.shp", "15_solar_glo.shp"}, solarList("glo"), true}, {{"20_wind.shp"}, {"WINDCLASS", "WINDPWRD"}, true},
+    {{"30_lakes.shp"}, {"NAME"}, false}, {{"31_protectedarea.shp"}, {"NAME", "TYPE"}, true},
     {{"40_rivers.shp"}, {"NAME"}, false},
     {{"36_subcountrybnd3.shp", "37_subcountrybnd2.shp", "38_subcountrybnd1.shp"}, {"NAME", "POP"}, true},
-    {{"42_railroad.shp", "43_roads.shp"}, {"NAME"}, false},
-    {{"44_transmissionline.shp"}, {"NAME", "VOLTAGE"}, true},
-    {{"51_powerplant.shp"}, {"NAME", "CAPACITY"}, true},
-    {{"52_facilities.shp"}, {"NAME", "TYPE"}, true},
-    {{"53_airports.shp"}, {"NAME"}, false},
-    {{"59_cities.shp"}, {"NAME", "TYPE", "POP"}, true},
+    {{"42_railroad.shp", "43_roads.shp"}, {"NAME"}, false}, {{"44_transmissionline.shp"}, {"NAME", "VOLTAGE"}, true},
+    {{"51_powerplant.shp"}, {"NAME", "CAPACITY"}, true}, {{"52_facilities.shp"}, {"NAME", "TYPE"}, true},
+    {{"53_airports.shp"}, {"NAME"}, false}, {{"59_cities.shp"}, {"NAME", "TYPE", "POP"}, true},
     // No list: nothing shows and the format is left alone.
     {{"21_wind.shp", "22_wind.shp", "39_countryboundary.shp", "50_protectedarea.shp", "20_WIND.SHP"}, {}, false},
 };
@@ -374,8 +363,7 @@ const Failure kFailures[] = {
     {"info", " Error while Trying to activate Info Form. Error Source:frmInfo.Form_Activate()"},
     {"info", " Error while Cancelling Info Form. Error Source:frmInfo.Form_Activate()"},
     {"info", " Error Source:frmInfo.isShowValue()"}, {"info", " Error Source:frmInfo.isFieldExistInArray()"},
-    {"info", " Error Source:frmInfo. sortBasedOnFieldNames()"},
-    {"info", " Error Source:frmInfo.sortAndMakeOutputString()"},
+    {"info", " Error Source:frmInfo. sortBasedOnFieldNames()"}, {"info", " Error Source:frmInfo.sortAndMakeOutputString()"},
     {"print", " Error in Form_Load function. Error Source:frmPrint.Form_Load()"},
     {"print", " Error in addLayersToOtherMaps function. Error Source:frmPrint.addLayersToOtherMaps()"},
     {"print", " Error in setUpScalebar function. Error Source:frmPrint.setupScalebar()"},

@@ -1,5 +1,4 @@
-// Which layers show after a load, after a reset, through the Change Layers
-// dialog and the legend, and what the label of visible layers says.
+// Which layers show after a load, a reset, the Change Layers dialog and the legend, and the label of them.
 #include <QCheckBox>
 #include <QPushButton>
 #include <QTimer>
@@ -33,10 +32,9 @@ protected:
     FrmMain* main = nullptr;
     Map* map() { return main->Map1; }
     MapLayerPtr layer(const QString& tag) { return map()->Layers().Item(cLayerIndex->Item(tag)); }
-    void setAll(bool on)
-    {
-        for (const MapLayerPtr& l : map()->Layers()) l->Visible = on;
-    }
+    void setAll(bool on) { for (const MapLayerPtr& l : map()->Layers()) l->Visible = on; }
+    QString label() { return main->lblLayersCurrentlyDisplayed->text(); }
+    QString refilled() { return main->Fill_lblLayersCurrentlyDisplayed(), label(); }
 };
 
 // After a load (the small dataset has fewer than 50 roads and cities) and
@@ -59,8 +57,7 @@ TEST_F(Visibility, DefaultsAfterALoadAndOnAReset)
     auto odd = std::make_shared<MapLayer>();
     odd->Tag = "20_Wind.shp";
     SetDefaultVisibility(odd);
-    EXPECT_TRUE(odd->Visible);
-    EXPECT_NO_BOXES();
+    EXPECT_TRUE(odd->Visible) << boxTexts();
 }
 
 TEST_F(Visibility, RoadsAndCitiesShowBelowFiftyFeatures)
@@ -78,8 +75,8 @@ TEST_F(Visibility, RoadsAndCitiesShowBelowFiftyFeatures)
         writeFeatures(QDir(dir).filePath(c.file).toStdString(), c.count, c.kind);
         loadDirectory(dir);
         ASSERT_EQ(map()->Layers().Count(), 1);
-        EXPECT_EQ(map()->Layers().Item(0)->Visible, c.visible);
-        EXPECT_EQ(isSetLayerVisible(map()->Layers().Item(0)), c.visible);
+        EXPECT_EQ(QList<bool>({map()->Layers().Item(0)->Visible, isSetLayerVisible(map()->Layers().Item(0))}),
+                  QList<bool>({c.visible, c.visible}));
     }
     EXPECT_NO_BOXES();
 }
@@ -102,51 +99,42 @@ TEST_F(Visibility, FailuresShowTheirOwnTexts)
 
 TEST_F(Visibility, TheLabelListsVisibleLayersTopFirstWithTrailingSeparators)
 {
-    main->Fill_lblLayersCurrentlyDisplayed();
-    EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text(), "- No layers found -");
+    EXPECT_EQ(refilled(), "- No layers found -");
 
     const QString dir = q(testsupport::tempDir("label"));
     for (const char* f : {"21_wind.shp", "30_lakes.shp", "39_countryboundary.shp"})
         writeFeaturesIn(dir, f, 1);
     loadDirectory(dir);
-    EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text(), "Country Boundary; 21_wind; ");
+    QStringList texts{label()};
     setAll(true);
-    main->Fill_lblLayersCurrentlyDisplayed();
-    EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text(), "Country Boundary; Lakes; 21_wind; ");
+    texts << refilled();
     setAll(false);
-    main->Fill_lblLayersCurrentlyDisplayed();
-    EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text(), "");
+    texts << refilled();
+    EXPECT_EQ(texts, QStringList({"Country Boundary; 21_wind; ", "Country Boundary; Lakes; 21_wind; ", ""}));
 
     // Two files of one display name show twice.
     loadDirectory(q(testsupport::dataset()));
     setAll(true);
-    main->Fill_lblLayersCurrentlyDisplayed();
-    EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text().count("40 km Solar Concentrators Annual Average(KWH/M2/DAY); "), 2);
-    EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().startsWith("Cities; Airports; "));
-    EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().endsWith("; Land Use; Elevation (meters); "));
-}
-
-TEST_F(Visibility, TheDialogWithoutLayers)
-{
-    FrmShowLayersDialog& d = frmShowLayersDialog();
-    d.Form_Activate();
-    for (QCheckBox* box : d.chkShowLayers) EXPECT_FALSE(Visible(box));
-    d.OKButton_Click();
-    EXPECT_NO_BOXES();
+    const QString all = refilled();
+    EXPECT_EQ(all.count("40 km Solar Concentrators Annual Average(KWH/M2/DAY); "), 2);
+    EXPECT_TRUE(all.startsWith("Cities; Airports; ") && all.endsWith("; Land Use; Elevation (meters); ")) << all.toStdString();
 }
 
 TEST_F(Visibility, DialogOffersTwentySevenLayersAndLeavesTheTwentyEighthAlone)
 {
+    // No layers: no box shows, and OK says nothing.
+    FrmShowLayersDialog& d = frmShowLayersDialog();
+    d.Form_Activate();
+    for (QCheckBox* box : d.chkShowLayers) EXPECT_FALSE(Visible(box));
+    d.OKButton_Click();
     // 27 layers: every box shows, box i is layer i.
     loadDirectory(q(testsupport::dataset("small", 1, {"22_wind.shp"})));
     ASSERT_EQ(map()->Layers().Count(), 27);
-    FrmShowLayersDialog& d = frmShowLayersDialog();
     d.Form_Activate();
     for (int i = 0; i < 27; ++i) {
         const MapLayerPtr l = map()->Layers().Item(i);
-        EXPECT_TRUE(Visible(d.chkShowLayers[size_t(i)])) << i;
-        EXPECT_EQ(d.chkShowLayers[size_t(i)]->text(), l->Name) << i;
-        EXPECT_EQ(d.chkShowLayers[size_t(i)]->isChecked(), l->Visible) << i;
+        QCheckBox* box = d.chkShowLayers[size_t(i)];
+        EXPECT_TRUE(Visible(box) && box->text() == l->Name && box->isChecked() == l->Visible) << i;
     }
 
     // 28 layers: Cancel changes nothing, and the next activation shows the truth.
@@ -158,8 +146,7 @@ TEST_F(Visibility, DialogOffersTwentySevenLayersAndLeavesTheTwentyEighthAlone)
     for (QCheckBox* box : d.chkShowLayers) box->setChecked(!box->isChecked());
     d.CancelButton_Click();
     for (const MapLayerPtr& l : map()->Layers()) after << l->Visible;
-    EXPECT_EQ(after, before);
-    EXPECT_FALSE(d.isVisible());
+    EXPECT_TRUE(after == before && !d.isVisible());
     d.Form_Activate();
     for (int i = 0; i < 27; ++i) EXPECT_EQ(d.chkShowLayers[size_t(i)]->isChecked(), before[i]) << i;
 
@@ -169,18 +156,15 @@ TEST_F(Visibility, DialogOffersTwentySevenLayersAndLeavesTheTwentyEighthAlone)
     bQueryDrawn = true;
     d.OKButton_Click();
     for (int i = 0; i < 27; ++i) EXPECT_TRUE(map()->Layers().Item(i)->Visible) << i;
-    EXPECT_FALSE(map()->Layers().Item(27)->Visible);
-    EXPECT_EQ(map()->Layers().Item(27)->Tag, "01_elevation.shp");
-    EXPECT_FALSE(bQueryDrawn);
+    EXPECT_TRUE(!map()->Layers().Item(27)->Visible && map()->Layers().Item(27)->Tag == "01_elevation.shp" && !bQueryDrawn);
     // The repaint after OK brought the label up to date.
-    EXPECT_FALSE(main->lblLayersCurrentlyDisplayed->text().contains("Elevation"));
-    EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().startsWith("Cities; "));
+    EXPECT_TRUE(!label().contains("Elevation") && label().startsWith("Cities; ")) << label().toStdString();
     EXPECT_NO_BOXES();
 }
 
 // The real path: the button opens the dialog modally; a pending event ticks
 // the first box off and presses OK inside the dialog's own loop.
-TEST_F(Visibility, ChangeLayersButtonRunsTheDialogAndTheLabelFollows)
+TEST_F(Visibility, ChangeLayersButtonAndTheLegendsCheckBoxRepaintAndTheLabelFollows)
 {
     loadDirectory(q(testsupport::dataset()));
     ASSERT_TRUE(layer("59_cities.shp")->Visible);
@@ -188,33 +172,22 @@ TEST_F(Visibility, ChangeLayersButtonRunsTheDialogAndTheLabelFollows)
     QTimer::singleShot(0, main, [&] {
         FrmShowLayersDialog& d = frmShowLayersDialog();
         ran = d.isVisible();
-        d.Form_Activate();
-        d.chkShowLayers[0]->setChecked(false);
-        d.OKButton->click();
+        d.Form_Activate(), d.chkShowLayers[0]->setChecked(false), d.OKButton->click();
     });
     main->cmdChangeLayers->click();
-    EXPECT_TRUE(ran);
-    EXPECT_FALSE(frmShowLayersDialog().isVisible());
-    EXPECT_FALSE(layer("59_cities.shp")->Visible);
-    EXPECT_FALSE(main->lblLayersCurrentlyDisplayed->text().contains("Cities"));
+    EXPECT_TRUE(ran && !frmShowLayersDialog().isVisible() && !layer("59_cities.shp")->Visible && !label().contains("Cities"));
     // Losing the focus brings the interface up to date whichever button closed it.
     main->lblLayersCurrentlyDisplayed->setText("stale");
     frmShowLayersDialog().Form_Deactivate();
-    EXPECT_NE(main->lblLayersCurrentlyDisplayed->text(), "stale");
-    EXPECT_NO_BOXES();
-}
+    EXPECT_NE(label(), "stale");
 
-TEST_F(Visibility, TheLegendsCheckBoxRepaintsTheMap)
-{
-    loadDirectory(q(testsupport::dataset()));
-    ASSERT_TRUE(layer("59_cities.shp")->Visible);
+    // The legend's check box repaints the map, and the label follows it too.
     bQueryDrawn = true;
     main->legend->clickCheckBox(0);
-    EXPECT_FALSE(layer("59_cities.shp")->Visible);
-    EXPECT_FALSE(bQueryDrawn);
-    EXPECT_FALSE(main->lblLayersCurrentlyDisplayed->text().contains("Cities"));
+    EXPECT_TRUE(layer("59_cities.shp")->Visible && !bQueryDrawn && label().startsWith("Cities; "));
     main->legend->clickCheckBox(0);
-    EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().startsWith("Cities; "));
+    EXPECT_FALSE(layer("59_cities.shp")->Visible || label().contains("Cities"));
+    EXPECT_NO_BOXES();
 }
 
 }  // namespace
