@@ -1,6 +1,4 @@
 // Save Result: the result written as a shapefile that GDAL reads back, and every way it stops without writing.
-#include <gtest/gtest.h>
-
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
@@ -8,18 +6,13 @@
 #include <fstream>
 #include <unistd.h>
 
-#include "app/frmMain.h"
-#include "datagen.h"
 #include "mapping/map.h"
+#include "query_fixture.h"
 #include "results/save_result.h"
-#include "support/testsupport.h"
-#include "workspace/state.h"
 
 using testsupport::fileAnswer;
 using testsupport::recorder;
 namespace fs = std::filesystem;
-
-void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
 
 namespace {
 
@@ -96,7 +89,7 @@ protected:
     }
     void TearDown() override { frmMain().Map1->Layers().Clear(); }
 
-    // A standard layer loaded into Map1 as the loading leaves it.
+    // A standard layer loaded alone into Map1 as the loading leaves it.
     void loadLayer(const std::string& file, bool withPrj)
     {
         const std::string path = dir + "/src_" + file;
@@ -104,10 +97,9 @@ protected:
         auto layer = std::make_shared<MapLayer>();
         layer->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
         layer->Tag = QString::fromStdString(file);
-        frmMain().Map1->Layers().Add(layer);
+        frmMain().Map1->Layers().Clear(), frmMain().Map1->Layers().Add(layer);
         cLayerIndex = std::make_shared<Collection<int>>();
-        const auto& layers = frmMain().Map1->Layers();
-        for (int i = 0; i < layers.Count(); ++i) cLayerIndex->Add(i, layers.Item(i)->Tag);
+        cLayerIndex->Add(0, layer->Tag);
     }
 
     // Saves to the given name under the test's directory, as the dialog answers it.
@@ -172,7 +164,6 @@ TEST_F(SaveTest, ProjectionComesFromTheChosenSolarLayerOrIsLeftOut)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.field);
-        frmMain().Map1->Layers().Clear();
         loadLayer(c.loaded, c.withPrj);
         setResult({square(0, 0, 10)}, c.field, {5.5});
         sSolarLayerFile = c.solarFile;
