@@ -90,6 +90,11 @@ protected:
 TEST_F(QuerySet, WithoutADatasetTheListHoldsEveryQueryRefusesWindQueriesSilentlyAndMatchesLayerTags)
 {
     EXPECT_EQ(items(f->cboSelectQuery), kQueries);
+    // No wind layer indexed: the fill fails and says where.
+    FillWindDensityDropDowns();
+    FillLandUseDropDown();
+    EXPECT_EQ(recorder().texts(), (QStringList{" Error Source:md_functions.FillWindDensityDropDowns()",
+                                               " Error Source:md_functions.FillLandUseDropDown()"}));
     for (int i = 1; i < 7; ++i) {
         SCOPED_TRACE(kQueries[i].toStdString());
         recorder().clear();
@@ -139,25 +144,9 @@ TEST_F(QuerySet, RequiredFilesAndTheirMessages)
     }
 }
 
-TEST_F(QuerySet, RefusedSelectionShowsTheMessageAndKeepsThePanel)
+TEST_F(QuerySet, FirstRealQuerySwitchesToTheEditPanelOnceEverySelectionHidesTheLayersAndARefusalKeepsThePanel)
 {
-    loadDataset("refused", without({"43_roads.shp"}));
-    pick(*f, "Wind by Power Density");
-    ASSERT_EQ(f->fraEditQueryParameters->title(), "Wind by Power Density");
-    f->lblWorking->setText("Working text"), f->cmdShowData->setVisible(true), recorder().clear();
-
-    pick(*f, "Best wind + roads");
-    EXPECT_EQ(recorder().texts(), QStringList{"This query requires 43_roads.shp shapefile."});
-    ASSERT_EQ(recorder().boxes.size(), 1u);
-    EXPECT_TRUE(recorder().boxes[0].buttons == seam::Buttons::OK && recorder().boxes[0].icon == seam::Icon::None);
-    EXPECT_EQ(QStringList({f->cboSelectQuery->Text(), f->fraEditQueryParameters->title(), f->lblWorking->text()}),
-              QStringList({"Best wind + roads", "Wind by Power Density", "Working text"}));
-    EXPECT_FALSE(Visible(f->txtQuery1[2]) || Visible(f->cmdShowData));  // the button is hidden before the check
-}
-
-TEST_F(QuerySet, FirstRealQuerySwitchesToTheEditPanelOnceAndEverySelectionHidesTheLayers)
-{
-    loadDataset("first-query");
+    loadDataset("first-query", without({"43_roads.shp"}));
     pick(*f, "No Query (Base Map)");
     EXPECT_TRUE(f->bFirstQuery && Visible(f->fraStartUpImage) && f->fraEditQueryParameters->title().isEmpty());
 
@@ -168,8 +157,17 @@ TEST_F(QuerySet, FirstRealQuerySwitchesToTheEditPanelOnceAndEverySelectionHidesT
     pick(*f, "Wind by Power Density");  // the same query again
     EXPECT_FALSE(wind->Visible);
 
+    f->lblWorking->setText("Working text"), f->cmdShowData->setVisible(true), recorder().clear();
+    pick(*f, "Best wind + roads");
+    EXPECT_EQ(recorder().texts(), QStringList{"This query requires 43_roads.shp shapefile."});
+    ASSERT_EQ(recorder().boxes.size(), 1u);
+    EXPECT_TRUE(recorder().boxes[0].buttons == seam::Buttons::OK && recorder().boxes[0].icon == seam::Icon::None);
+    EXPECT_EQ(QStringList({f->cboSelectQuery->Text(), f->fraEditQueryParameters->title(), f->lblWorking->text()}),
+              QStringList({"Best wind + roads", "Wind by Power Density", "Working text"}));
+    EXPECT_FALSE(Visible(f->txtQuery1[2]) || Visible(f->cmdShowData));  // the button is hidden before the check
+
     wind->Visible = true;
-    f->lblWorking->setText("old");
+    f->lblWorking->setText("old"), recorder().clear();
     pick(*f, "No Query (Base Map)");
     EXPECT_FALSE(wind->Visible || Visible(f->fraStartUpImage) || !Visible(f->fraEditLegend));
     EXPECT_EQ(QStringList({f->fraEditQueryParameters->title(), f->lblWorking->text()}) << recorder().texts(),
@@ -238,23 +236,9 @@ void checkPanel(FrmMain& f, const QString& query)
 
 }  // namespace
 
-// Each query follows one that moved or showed other controls.
-TEST_F(QuerySet, PanelForEachArrangement)
+TEST_F(QuerySet, DistanceBoxesPanelForEachArrangementAndWindListsFromTheWindRenderer)
 {
     loadDataset("panel");
-    for (const char* query : {"Best wind (all)", "Best wind + roads", "Best Solar X kWh/m2/day", "Best wind (all)",
-                              "Best wind + transmission", "Best Solar X kWh/m2/day", "No Query (Base Map)"}) {
-        SCOPED_TRACE(query);
-        pick(*f, query);
-        EXPECT_EQ(f->fraEditQueryParameters->title(), query);
-        checkPanel(*f, query);
-        EXPECT_NO_BOXES();
-    }
-}
-
-TEST_F(QuerySet, DistanceBoxesAcrossSelections)
-{
-    loadDataset("distances");
     f->txtQuery1[1]->setText("9");
     f->chkProtectedAreas->setChecked(false);
     // typed before the selection (null: none), and shown after it
@@ -271,11 +255,17 @@ TEST_F(QuerySet, DistanceBoxesAcrossSelections)
         EXPECT_EQ(f->txtQuery1[2]->text(), s.shown) << s.query << " after \"" << (s.typed ? s.typed : "") << '"';
     }
     EXPECT_TRUE(f->txtQuery1[1]->text() == "9" && !f->chkProtectedAreas->isChecked());  // both survive
-}
 
-TEST_F(QuerySet, WindListsComeFromTheWindRenderer)
-{
-    loadDataset("windlists");
+    // Each query follows one that moved or showed other controls.
+    for (const char* query : {"Best wind (all)", "Best wind + roads", "Best Solar X kWh/m2/day", "Best wind (all)",
+                              "Best wind + transmission", "Best Solar X kWh/m2/day", "No Query (Base Map)"}) {
+        SCOPED_TRACE(query);
+        pick(*f, query);
+        EXPECT_EQ(f->fraEditQueryParameters->title(), query);
+        checkPanel(*f, query);
+        EXPECT_NO_BOXES();
+    }
+
     pick(*f, "Best wind + land use");
     const QStringList breaks = {"200", "300", "400", "500", "600", "800"};
     EXPECT_EQ(items(f->cboQueryDropDown), breaks);
@@ -294,22 +284,7 @@ TEST_F(QuerySet, WindListsComeFromTheWindRenderer)
     EXPECT_TRUE(f->lstQuery1->selectedItems().isEmpty());
 }
 
-TEST_F(QuerySet, ValueSourcesOfTheSolarLayersAndTheirFailures)
-{
-    // No wind layer indexed: the fill fails and says where.
-    FillWindDensityDropDowns();
-    FillLandUseDropDown();
-    EXPECT_EQ(recorder().texts(), (QStringList{" Error Source:md_functions.FillWindDensityDropDowns()",
-                                               " Error Source:md_functions.FillLandUseDropDown()"}));
-    loadDataset("solar-ids", Content{.files = {"11_solar_direct.shp", "17_solar_direct.shp", "16_solar_tilt.shp"}});
-    // Two layers carry that name: the lower index wins.
-    EXPECT_EQ(GetSolarResourceLayerID(kConc40), std::min(cLayerIndex->Item("11_solar_direct.shp"),
-                                                         cLayerIndex->Item("17_solar_direct.shp")));
-    EXPECT_EQ(GetSolarResourceLayerID("10 km Solar PV Annual Average(KWH/M2/DAY)"), cLayerIndex->Item("16_solar_tilt.shp"));
-    EXPECT_EQ(GetSolarResourceLayerID("10 KM Solar PV Annual Average(KWH/M2/DAY)") + GetSolarResourceLayerID("nothing"), 0);
-}
-
-TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFile)
+TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFileAndTheLayersOfEachResource)
 {
     loadDataset("only-16", Content{.files = {"16_solar_tilt.shp"}});
     // Breaks of the layer's own renderer decide, rounded to one decimal.
@@ -338,6 +313,13 @@ TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFile)
     recorder().clear();
     f->cboQueryDropDown3->setListIndex(5);
     EXPECT_NO_BOXES();
+
+    loadDataset("solar-ids", Content{.files = {"11_solar_direct.shp", "17_solar_direct.shp", "16_solar_tilt.shp"}});
+    // Two layers carry that name: the lower index wins.
+    EXPECT_EQ(GetSolarResourceLayerID(kConc40), std::min(cLayerIndex->Item("11_solar_direct.shp"),
+                                                         cLayerIndex->Item("17_solar_direct.shp")));
+    EXPECT_EQ(GetSolarResourceLayerID("10 km Solar PV Annual Average(KWH/M2/DAY)"), cLayerIndex->Item("16_solar_tilt.shp"));
+    EXPECT_EQ(GetSolarResourceLayerID("10 KM Solar PV Annual Average(KWH/M2/DAY)") + GetSolarResourceLayerID("nothing"), 0);
 }
 
 TEST_F(QuerySet, WindMaximumWarningAndAWindLayerWithoutItsField)
