@@ -101,13 +101,16 @@ struct ProgressLog {
 
 inline int colorAt(const QString& key) { return cSymbols->Item(key)->Color; }
 
-}  // namespace qf
+// Parallel segments 10 m long and 10 m apart: with a buffer of 1 m no two
+// buffers meet, so the area of the union counts the records in it.
+inline std::vector<std::string> shortSegments(int count, double y = 0)
+{
+    std::vector<std::string> out;
+    for (int i = 0; i < count; ++i) out.push_back(QString("LINESTRING(%1 %2,%1 %3)").arg(10 * i).arg(y).arg(y + 10).toStdString());
+    return out;
+}
 
-// The range queries set up as a user would; apart from qf so that names cannot clash in files using only qf.
-namespace qrun {
-
-using namespace qf;
-
+// The range queries set up as a user would.
 inline const QString kWindQuery = QStringLiteral("Wind by Power Density");
 inline const QString kSolarQuery = QStringLiteral("Best Solar X kWh/m2/day");
 inline const QString kGlobal10 = QStringLiteral("10 km Solar Global Horizontal Annual Average(KWH/M2/DAY)");
@@ -138,4 +141,6 @@ inline FrmMain& panel(const std::string& dir, const QString& query, const QStrin
     return f;
 }
 
-}  // namespace qrun
+}  // namespace qf
+
+namespace qrun = qf;

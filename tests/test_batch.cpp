@@ -92,10 +92,7 @@ TEST(Batch, GoesOnAfterBoxesAndExitsOneAfterAnyFailureBoxElseTwoForRefusalsAndUs
     datagen::writeShapefile(weak + "/31_protectedarea.shp", datagen::GeomKind::Polygon, {{"FeatureID", 'C', 8}},
                             {{rect(0, 0, 500, 500), {std::string("x")}}});
     // Enough roads that the buffer run asks first.
-    std::vector<std::string> roads;
-    for (int i = 0; i < 400; ++i)
-        roads.push_back("LINESTRING(" + std::to_string(i * 100) + " -3000, " + std::to_string(i * 100 + 50) + " -3000)");
-    writeLines(weak, "43_roads.shp", roads);
+    writeLines(weak, "43_roads.shp", shortSegments(400, -3000));
     // Sixteen solar colours, two more than the Results Table window shows.
     const std::string sixteen = solarDir("batch-sixteen", "14_solar_glo.shp", "ANNGLO",
                                          {9.5, 1.0, 2.2, 2.7, 3.2, 3.7, 4.2, 4.7, 5.2, 5.7, 6.2, 6.7, 7.2, 7.7, 8.2, 8.7});

@@ -51,20 +51,10 @@ std::string dataset(const std::string& name, const Data& d)
 
 const std::vector<Poly> kOneWind = {{rect(0, 0, 1000, 1000), 500}};
 
-// Parallel segments 10 m long and 10 m apart: with a buffer of 1 m no two
-// buffers meet, so the area of the union counts the records in it.
-std::vector<std::string> shortSegments(int count, double y = 0)
-{
-    std::vector<std::string> out;
-    for (int i = 0; i < count; ++i) out.push_back(QString("LINESTRING(%1 %2,%1 %3)").arg(10 * i).arg(y).arg(y + 10).toStdString());
-    return out;
-}
-
 // Area of a 1 m buffer of a 10 m segment: the rectangle and a circle of 32 sides, as the buffer rounds its ends.
 const double kSegmentBuffer = 20.0 + 16.0 * std::sin(2 * M_PI / 32);
 
-double areaOf(const ShapePtr& s) { return std::dynamic_pointer_cast<GeoShape>(s)->Area(); }
-double areaAt(const QString& key) { return areaOf(cShapes->Item(key)); }
+double areaAt(const QString& key) { return std::dynamic_pointer_cast<GeoShape>(cShapes->Item(key))->Area(); }
 
 // The results in order as (area, colour).
 void expectResults(const std::vector<std::pair<double, int>>& want)
@@ -76,9 +66,7 @@ void expectResults(const std::vector<std::pair<double, int>>& want)
 }
 
 bool covers(const PolygonPtr& p, double x, double y)
-{
-    return GEOSPreparedContains_r(geosContext(), p->prepared(), Point(x, y).geom().get()) == 1;
-}
+{ return GEOSPreparedContains_r(geosContext(), p->prepared(), Point(x, y).geom().get()) == 1; }
 
 struct Panel {
     QString min = "400", max = "Max";
@@ -101,8 +89,6 @@ FrmMain& loaded(const std::string& dir, const Panel& p = {})
     testsupport::recorder().clear();
     return f;
 }
-
-QStringList boxTexts() { return testsupport::recorder().texts(); }
 
 QStringList overlaying(const QString& word, std::initializer_list<const char*> percents, bool finished = true)
 {
@@ -145,7 +131,7 @@ TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrderAndAFaili
     ProgressLog log;
     fill_cShapes_collection(kProtected);
 
-    EXPECT_TRUE(boxTexts().isEmpty());
+    EXPECT_TRUE(boxes().isEmpty());
     expectResults({{500.0 * 1000 - 200.0 * 100, kClass500}, {1e6, kClass800}});
     EXPECT_TRUE(!cSymbols->Item("0")->Outline && sFieldName == "WINDPWRD");
     EXPECT_EQ(QList<double>({cFieldValues->Item("0").toDouble(), cFieldValues->Item("1").toDouble()}), QList<double>({500, 800}));
@@ -157,7 +143,7 @@ TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrderAndAFaili
     loaded(dataset("protected-edges", {.wind = {{bowtie(0, 0, 1000), 600}, {rect(3000, 0, 1000, 1000), 400}},
                                        .protectedAreas = {{rect(500, -500, 3000, 2000), "Only"}}}));
     fill_cShapes_collection(kProtected);
-    EXPECT_TRUE(boxTexts().isEmpty());
+    EXPECT_TRUE(boxes().isEmpty());
     expectResults({{5e5, kClass400}});
 }
 
@@ -172,7 +158,7 @@ TEST(ProtectedAreas, ARecordWithoutAPolygonBringsItsBoxBackAgain)
     wind_minus_protected_areas();
     rec.onBox = nullptr;
     const QString lost = "Lost Park is not a polygon type";
-    EXPECT_EQ(boxTexts(), QStringList({lost, lost, lost, " Error Source:md_query_functions2.wind_minus_protected_areas()"}));
+    EXPECT_EQ(boxes(), QStringList({lost, lost, lost, " Error Source:md_query_functions2.wind_minus_protected_areas()"}));
 }
 
 // ------------------------------------------------------------ land use
@@ -189,7 +175,7 @@ TEST(LandUse, PiecesComeLandMajorAndAreNotMerged)
     ProgressLog log;
     fill_cShapes_collection(kLandUse);
 
-    EXPECT_TRUE(boxTexts().isEmpty());
+    EXPECT_TRUE(boxes().isEmpty());
     expectResults({{5e5, kClass400}, {1e6, kClass500}, {1e6, kClass800}, {4e5, kClass600}, {6e5, kClass600}});
     EXPECT_EQ(cFieldValues->Item("3").toDouble(), 600);
     // 4 land records of 4 wind records each: one text per land record.
@@ -208,7 +194,7 @@ TEST(LandUse, AFailingCutRepeatsThePreviousPiece)
         loaded(dataset(gap ? "landuse-fail-gap" : "landuse-fail", {.wind = winds, .landUse = {{rect(500, -100, 2500, 1200), "FOREST"}}}),
                {.landUses = {"FOREST"}, .chosen = {"FOREST"}});
         fill_cShapes_collection(kLandUse);
-        EXPECT_TRUE(boxTexts().isEmpty());
+        EXPECT_TRUE(boxes().isEmpty());
         if (gap) expectResults({{5e5, kClass500}});
         else expectResults({{5e5, kClass500}, {5e5, kClass800}});
         if (!gap) EXPECT_TRUE(cShapes->Item("1") == cShapes->Item("0") && cFieldValues->Item("1").toDouble() == 800);
@@ -223,14 +209,14 @@ TEST(LandUse, NoChoiceAndNoMatchingRecord)
     Panel p{.landUses = {"BARREN", "FOREST", "WATER"}};
     loaded(dir, p);
     fill_cShapes_collection(kLandUse);
-    EXPECT_EQ(boxTexts(), QStringList({" Error Source:md_query_functions2.Wind_Landuse_Overlay()3--0"}));
+    EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.Wind_Landuse_Overlay()3--0"}));
 
     // A choice that matches no record: no pair, no "finished".
     p.chosen = {"WATER"};
     loaded(dir, p);
     ProgressLog log;
     fill_cShapes_collection(kLandUse);
-    EXPECT_TRUE(boxTexts().isEmpty() && cShapes->Count() == 0);
+    EXPECT_TRUE(boxes().isEmpty() && cShapes->Count() == 0);
     EXPECT_EQ(log.texts, QStringList({"Overlaying..."}));
 }
 
@@ -247,7 +233,7 @@ TEST(LineBuffers, AStraightRoadAndItsBufferCutTheWindPolygons)
     ProgressLog log;
     fill_cShapes_collection(kRoads);
 
-    EXPECT_TRUE(boxTexts().isEmpty());
+    EXPECT_TRUE(boxes().isEmpty());
     expectResults({{1e6, kClass500}, {5e5, kClass800}, {5e5, kClass600}});
     EXPECT_EQ(cShapes->Item("2"), cShapes->Item("1"));
     // A layer of one record: the buffer comes without a record text.
@@ -277,7 +263,7 @@ TEST(LineBuffers, TheTiersLeaveRecordsOut)
         ProgressLog log;
         PolygonPtr buffer = create_line_buffers("43_roads.shp", 0.001f);
         ASSERT_TRUE(buffer);
-        ASSERT_EQ(boxTexts(), c.records < 400 ? QStringList() : QStringList({kQuestion}));
+        ASSERT_EQ(boxes(), c.records < 400 ? QStringList() : QStringList({kQuestion}));
         if (c.records >= 400) EXPECT_EQ(testsupport::recorder().boxes.front().buttons, seam::Buttons::YesNo);
         int kept = 0;
         for (int record = 1; record <= c.records; ++record) {
@@ -302,7 +288,7 @@ TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
     testsupport::recorder().answers = {seam::Answer::No};
     ProgressLog log;
     fill_cShapes_collection(kRoads);
-    EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
+    EXPECT_EQ(boxes(), QStringList({kQuestion}));
     EXPECT_TRUE(log.texts.isEmpty() && sFieldName == "ANNGLO");
     EXPECT_EQ(QList<int>({cShapes->Count(), cFieldValues->Count()}), QList<int>({0, 1}));
 
@@ -318,7 +304,7 @@ TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
     EXPECT_TRUE(bCancelQuery);
     ASSERT_FALSE(log.texts.isEmpty());
     EXPECT_EQ(log.texts.last(), "Creating Roads Buffers: 150 of 400") << "and no Overlaying...";
-    EXPECT_TRUE(cShapes->Count() == 0 && boxTexts() == QStringList({kQuestion}));
+    EXPECT_TRUE(cShapes->Count() == 0 && boxes() == QStringList({kQuestion}));
 }
 
 // ------------------------------------------------------------ all criteria
@@ -344,7 +330,7 @@ TEST(AllCriteria, PiecesThenWindThenProtectedAreas)
         loaded(dataset(c.name, c.data), allPanel(c.ticked));
         ProgressLog log;
         fill_cShapes_collection(kAll);
-        EXPECT_TRUE(boxTexts().isEmpty());
+        EXPECT_TRUE(boxes().isEmpty());
         expectResults(c.results);
         if (!c.log.isEmpty()) EXPECT_EQ(log.texts, c.log);
         if (!c.results.empty()) EXPECT_EQ(cFieldValues->Item("2").toDouble(), 800);
@@ -364,7 +350,7 @@ TEST(AllCriteria, TheCommonAreaKeepsTheGapsOfTheTiers)
     loaded(dataset("all-gaps", d), p);
     ProgressLog log;
     fill_cShapes_collection(kAll);
-    EXPECT_EQ(boxTexts(), QStringList({kQuestion}));
+    EXPECT_EQ(boxes(), QStringList({kQuestion}));
     // The second land-use polygon lies beyond the transmission line: one piece.
     EXPECT_EQ(log.texts.mid(log.texts.indexOf("Intersecting...")),
               overlaying("Intersecting...", {"0.0", "50.0"}, false) + overlaying("Overlaying...", {"0.0"}).mid(1));
@@ -380,7 +366,7 @@ TEST(AllCriteria, TheSecondQuestionAnsweredNoStopsAfterTheRoads)
     testsupport::recorder().answers = {seam::Answer::Yes, seam::Answer::No};
     ProgressLog log;
     fill_cShapes_collection(kAll);
-    EXPECT_EQ(boxTexts(), QStringList({kQuestion, kQuestion}));
+    EXPECT_EQ(boxes(), QStringList({kQuestion, kQuestion}));
     ASSERT_FALSE(log.texts.isEmpty());
     EXPECT_EQ(log.texts.last(), "Creating buffer polygon 3 out of 3");
     EXPECT_TRUE(!log.texts.contains("Intersecting...") && cShapes->Count() == 0);
@@ -405,7 +391,7 @@ TEST(AllCriteria, MissingLayersAndFailuresOfTheBufferEndTheQueryWithTheirMessage
         loaded(dataset(c.name, c.data), allPanel(true));
         ProgressLog log;
         fill_cShapes_collection(c.query);
-        EXPECT_EQ(boxTexts(), QStringList({c.text}));
+        EXPECT_EQ(boxes(), QStringList({c.text}));
         if (c.query == kRoads) EXPECT_TRUE(log.texts.isEmpty());
         EXPECT_EQ(cShapes->Count(), 0);
     }
