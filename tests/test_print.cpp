@@ -14,6 +14,7 @@
 #include "mapping/scalebar.h"
 #include "presentation/renderers.h"
 #include "print/frmPrint.h"
+#include "query_fixture.h"
 
 using namespace fixture;
 using testsupport::recorder;
@@ -22,8 +23,6 @@ namespace {
 
 const QString kSolarTitle = "ANNUAL AVERAGE SOLAR RESOURCES (KWH/M2/DAY)";
 const QString kPrintFailed = " Error in cmdPrint_Click function. Error Source:frmPrint. cmdPrint_Click()";
-const QString kScalebarFailed = " Error in setUpScalebar function. Error Source:frmPrint.setupScalebar()";
-const QString kFormLoadFailed = " Error in Form_Load function. Error Source:frmPrint.Form_Load()";
 
 // A generated dataset holding only the given standard files.
 QString datasetOnly(const std::set<std::string>& keep)
@@ -92,7 +91,7 @@ protected:
     FrmMain* main = nullptr;
 };
 
-TEST_F(Print, WindowDesignMenuAndCancel)
+TEST_F(Print, WindowDesignScaleBarLookPageGeometryAtSeveralResolutionsAndCancel)
 {
     main->mnuPrint_Click();
     EXPECT_FALSE(frmPrintExists()) << "the menu needs layers";
@@ -112,11 +111,71 @@ TEST_F(Print, WindowDesignMenuAndCancel)
     EXPECT_TRUE(f.txtHeading->text().isEmpty() && f.txtHeading->maxLength() == 50 && (f.txtHeading->alignment() & Qt::AlignHCenter) &&
                 f.txtHeading->font().bold());
 
+    // The scale bar takes the preview's extents and a fixed look.
+    const ScaleBar& sb = *f.sbMapView;
+    const RectanglePtr e = f.Map2->Extent();
+    auto ltrb = [](const ScaleBar::Extent& x) { return std::array{x.Left, x.Top, x.Right, x.Bottom}; };
+    EXPECT_EQ(ltrb(sb.MapExtent()), (std::array{e->Left, e->Top, e->Right, e->Bottom}));
+    const double t = TwipsPerPixel;  // Map2's place in pixels of the screen
+    EXPECT_EQ(ltrb(sb.ScreenExtent()), (std::array<double, 4>{1440 / t, 720 / t, (1440 + 4935) / t, (720 + 2895) / t}));
+    EXPECT_EQ((std::vector<double>{double(sb.ShowOutline()), double(sb.BackColor()), double(sb.BarColor1()), double(sb.BarColor2()),
+                                   double(sb.Divisions()), sb.BarFont().pointSizeF(), double(sb.MapUnits()),
+                                   double(sb.BarWidthRatio()), double(sb.LabelMode()), double(sb.layout().valid)}),
+              (std::vector<double>{1, 0xFFFFFF, 0x808080, 0xFFC0C0, 3, 8, ScaleBar::Meters, 0.6f, 3, 1}));
+
+    // The page is laid out in 1/600 inch (an empty heading prints as well); x is divided by a factor that keeps its
+    // fraction, y by a whole one (halves to even). At 1200 dpi and finer the y factor rounds to 0: the print fails
+    // after the page was opened (and the pictures taken), no page is sent, and the window stays usable.
+    const QStringList order = {"Print", "OutputMap", "Line", "Heading", "Scalebar", "Picture1", "Picture4", "Picture3", "EndDoc"};
+    const double p = std::nearbyint(4335 / TwipsPerPixel);  // the legend picture's height on the screen (289 at 15)
+    struct Case { int dpi; double scaleX; int scaleY; std::vector<std::array<double, 4>> map, line, heading, picture4; };
+    const Case cases[] = {
+        {600, 1.0, 1, {{300, 350, 4000, 3700}}, {{290, 600, 4000, 3150}}, {{550, 250, 3000, 150}}, {{1500, 4000, 1000, 1400 + p}}},
+        // 2 twips to the dot: x stretched by 1.2, y as at 600 dpi.
+        {720, 2.0 / 2.4, 1, {{360, 350, 4800, 3700}}, {{348, 600, 4800, 3150}}, {{660, 250, 3600, 150}}, {{1800, 4000, 1200, 1400 + p}}},
+        // 3.6 twips to the dot: x factor 1.5, y factor 1.5 made 2.
+        {400, 1.5, 2, {{200, 175, 2667, 1850}}, {{290 / 1.5, 300, 4000 / 1.5, 1575}}, {{550 / 1.5, 125, 2000, 75}},
+         {{1000, 2000, 1000 / 1.5, (1400 + p) / 2}}},
+        {1200, 0.5, 0, {}, {}, {}, {}},
+        {1440, 600.0 / 1440, 0, {}, {}, {}, {}},
+        {600, 1.0, 1, {{300, 350, 4000, 3700}}, {}, {}, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.dpi);
+        const bool fails = c.scaleY == 0;
+        const QString pdf = QDir(q(testsupport::tempDir("geometry"))).filePath(QString("page%1.pdf").arg(c.dpi));
+        recorder().clear();
+        ASSERT_EQ(printTo(f, pdf, c.dpi), !fails) << recorder().texts().join("\n").toStdString();
+        EXPECT_EQ(recorder().texts(), fails ? QStringList({kPrintFailed}) : QStringList());
+        if (!fails) EXPECT_DOUBLE_EQ(f.scaleX, c.scaleX);
+        EXPECT_TRUE(f.scaleY == c.scaleY && !f.pictHeadFromClipboard->Picture().isNull());
+        QStringList names;
+        for (const auto& item : f.lastPage) names << item.name;
+        EXPECT_EQ(names, fails ? order.mid(0, 1) : order);
+        QFile file(pdf);
+        EXPECT_EQ(file.open(QIODevice::ReadOnly) && file.read(5).startsWith("%PDF"), !fails);
+        for (const auto& [name, want] : {std::pair{"OutputMap", c.map}, {"Line", c.line}, {"Heading", c.heading}, {"Picture4", c.picture4}}) {
+            if (want.empty()) continue;
+            const QRectF r = f.lastPage[order.indexOf(name)].rect;
+            const auto& w = want[0];
+            EXPECT_LT(std::abs(r.left() - w[0]) + std::abs(r.top() - w[1]) + std::abs(r.width() - w[2]) + std::abs(r.height() - w[3]), 1e-3)
+                << name << ": " << r.left() << " " << r.top() << " " << r.width() << " " << r.height();
+        }
+    }
+
     QPointer<FrmPrint> form(&f);
     f.Command2->click();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(!frmPrintExists() && form.isNull());
     EXPECT_NO_BOXES();
+
+    // Twips to pixels of the screen: halves to even, and a failure outside sixteen bits.
+    const ScreenMetrics screen;
+    struct Conv { double twips; int axis; int16_t pixels; };
+    for (const Conv& c : {Conv{4335, 1, 289}, {4335, 0, 289}, {22.5, 0, 2}, {37.5, 1, 2}, {52.5, 0, 4}, {4335, 2, -1}, {4335, -1, -1}})
+        EXPECT_EQ(ConvTwips2Pix(screen, c.twips, c.axis), c.pixels) << c.twips << "/" << c.axis;
+    EXPECT_EQ(ConvTwips2Pix(screen, 1e6, 0) + ConvTwips2Pix(ScreenMetrics{15, 0}, 100, 1), 0);
+    EXPECT_EQ(recorder().texts(), QStringList(2, " Error in ConvTwips2Pix function. Error Source:frmPrint.ConvTwips2Pix()"));
 }
 
 // The theme maps take the main map's layers by theme and follow its top
@@ -191,28 +250,14 @@ TEST_F(Print, LegendBitmapsAreWrittenBesideTheProgramAndShownInThePictureBoxes)
     ASSERT_TRUE(QDir().mkpath(programFile("LegendBmp3.bmp")));  // a directory where the file should go
     frmMain().mnuPrint_Click();
     QDir(programFile("LegendBmp3.bmp")).removeRecursively();
-    EXPECT_EQ(recorder().texts(), QStringList({kFormLoadFailed}));
+    EXPECT_EQ(recorder().texts(), QStringList({" Error in Form_Load function. Error Source:frmPrint.Form_Load()"}));
     EXPECT_TRUE(frmPrint().Picture1->Picture().isNull() && frmPrint().isVisible());
 }
 
-
-// The scale bar: the preview's extents, the fixed look, the unit code from
-// the upper-cased unit name of the top layer, and what its failures leave out.
-TEST_F(Print, ScaleBarIsSetUpFromThePreviewAndTheTopLayersUnit)
+// The unit code comes from the upper-cased unit name of the top layer; the
+// scale bar's failures leave out what comes after them.
+TEST_F(Print, ScaleBarUnitFromTheTopLayerAndWhatItsFailuresLeaveOut)
 {
-    FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
-    EXPECT_NO_BOXES();
-    const ScaleBar& sb = *f.sbMapView;
-    const RectanglePtr e = f.Map2->Extent();
-    auto ltrb = [](const ScaleBar::Extent& x) { return std::array{x.Left, x.Top, x.Right, x.Bottom}; };
-    EXPECT_EQ(ltrb(sb.MapExtent()), (std::array{e->Left, e->Top, e->Right, e->Bottom}));
-    const double t = TwipsPerPixel;  // Map2's place in pixels of the screen
-    EXPECT_EQ(ltrb(sb.ScreenExtent()), (std::array<double, 4>{1440 / t, 720 / t, (1440 + 4935) / t, (720 + 2895) / t}));
-    EXPECT_EQ((std::vector<double>{double(sb.ShowOutline()), double(sb.BackColor()), double(sb.BarColor1()), double(sb.BarColor2()),
-                                   double(sb.Divisions()), sb.BarFont().pointSizeF(), double(sb.MapUnits()),
-                                   double(sb.BarWidthRatio()), double(sb.LabelMode()), double(sb.layout().valid)}),
-              (std::vector<double>{1, 0xFFFFFF, 0x808080, 0xFFC0C0, 3, 8, ScaleBar::Meters, 0.6f, 3, 1}));
-
     const std::string geo = "GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\",6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],";
     auto projected = [&](const std::string& unit) {
         return "PROJCS[\"Local_TM\"," + geo + "UNIT[\"Degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],"
@@ -220,14 +265,13 @@ TEST_F(Print, ScaleBarIsSetUpFromThePreviewAndTheTopLayersUnit)
     };
     struct Case { const char* what; std::string prj; int code; };
     for (const Case& c : {Case{"Degree", geo + "UNIT[\"Degree\",0.0174532925199433]]", ScaleBar::Degrees},
-                          {"feet", projected("feet"), ScaleBar::Feet}, {"Foot_US", projected("Foot_US"), ScaleBar::Meters}}) {
+                          {"feet", projected("feet"), ScaleBar::Feet}, {"Foot_US", projected("Foot_US"), ScaleBar::Meters}})
         EXPECT_TRUE(openOnCities(c.what, c.prj).sbMapView->MapUnits() == c.code && recorder().boxes.empty()) << c.what;
-    }
 
     // The top layer without a projection file: the unit cannot be read, and
     // the last settings are left out; the legends are made all the same.
     FrmPrint& g = openOnCities("noprj", "");
-    EXPECT_EQ(recorder().texts(), QStringList({kScalebarFailed}));
+    EXPECT_EQ(recorder().texts(), QStringList({" Error in setUpScalebar function. Error Source:frmPrint.setupScalebar()"}));
     const ScaleBar defaults;
     EXPECT_EQ(g.sbMapView->Divisions(), 3) << "set before the unit is looked at";
     EXPECT_EQ(std::pair(g.sbMapView->BarWidthRatio(), g.sbMapView->LabelMode()), std::pair(defaults.BarWidthRatio(), defaults.LabelMode()));
@@ -239,51 +283,6 @@ TEST_F(Print, ScaleBarIsSetUpFromThePreviewAndTheTopLayersUnit)
     g.setupScalebar();
     EXPECT_EQ(recorder().texts(), QStringList({"stdole.StdFont  is not installed. Scale bar will not be printed"}));
     EXPECT_TRUE(g.sbMapView->Divisions() == 7 && g.sbMapView->MapExtent().Right != 0) << "the extents come before the font";
-}
-
-// The page is laid out in 1/600 inch (an empty heading prints as well); x is
-// divided by a factor that keeps its fraction, y by a whole one (halves to even). At 1200 dpi and finer the
-// y factor rounds to 0: the print fails after the page was opened (and the
-// pictures taken), no page is sent, and the window stays usable.
-TEST_F(Print, PageGeometryAtSeveralResolutions)
-{
-    FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
-    const QStringList order = {"Print", "OutputMap", "Line", "Heading", "Scalebar", "Picture1", "Picture4", "Picture3", "EndDoc"};
-    const double p = std::nearbyint(4335 / TwipsPerPixel);  // the legend picture's height on the screen (289 at 15)
-    struct Case { int dpi; double scaleX; int scaleY; std::vector<std::array<double, 4>> map, line, heading, picture4; };
-    const Case cases[] = {
-        {600, 1.0, 1, {{300, 350, 4000, 3700}}, {{290, 600, 4000, 3150}}, {{550, 250, 3000, 150}}, {{1500, 4000, 1000, 1400 + p}}},
-        // 2 twips to the dot: x stretched by 1.2, y as at 600 dpi.
-        {720, 2.0 / 2.4, 1, {{360, 350, 4800, 3700}}, {{348, 600, 4800, 3150}}, {{660, 250, 3600, 150}}, {{1800, 4000, 1200, 1400 + p}}},
-        // 3.6 twips to the dot: x factor 1.5, y factor 1.5 made 2.
-        {400, 1.5, 2, {{200, 175, 2667, 1850}}, {{290 / 1.5, 300, 4000 / 1.5, 1575}}, {{550 / 1.5, 125, 2000, 75}},
-         {{1000, 2000, 1000 / 1.5, (1400 + p) / 2}}},
-        {1200, 0.5, 0, {}, {}, {}, {}},
-        {1440, 600.0 / 1440, 0, {}, {}, {}, {}},
-        {600, 1.0, 1, {{300, 350, 4000, 3700}}, {}, {}, {}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.dpi);
-        const bool fails = c.scaleY == 0;
-        const QString pdf = QDir(q(testsupport::tempDir("geometry"))).filePath(QString("page%1.pdf").arg(c.dpi));
-        recorder().clear();
-        ASSERT_EQ(printTo(f, pdf, c.dpi), !fails) << recorder().texts().join("\n").toStdString();
-        EXPECT_EQ(recorder().texts(), fails ? QStringList({kPrintFailed}) : QStringList());
-        if (!fails) EXPECT_DOUBLE_EQ(f.scaleX, c.scaleX);
-        EXPECT_TRUE(f.scaleY == c.scaleY && !f.pictHeadFromClipboard->Picture().isNull());
-        QStringList names;
-        for (const auto& item : f.lastPage) names << item.name;
-        EXPECT_EQ(names, fails ? order.mid(0, 1) : order);
-        QFile file(pdf);
-        EXPECT_EQ(file.open(QIODevice::ReadOnly) && file.read(5).startsWith("%PDF"), !fails);
-        for (const auto& [name, want] : {std::pair{"OutputMap", c.map}, {"Line", c.line}, {"Heading", c.heading}, {"Picture4", c.picture4}}) {
-            if (want.empty()) continue;
-            const QRectF r = f.lastPage[order.indexOf(name)].rect;
-            const auto& w = want[0];
-            EXPECT_LT(std::abs(r.left() - w[0]) + std::abs(r.top() - w[1]) + std::abs(r.width() - w[2]) + std::abs(r.height() - w[3]), 1e-3)
-                << name << ": " << r.left() << " " << r.top() << " " << r.width() << " " << r.height();
-        }
-    }
 }
 
 TEST_F(Print, WithoutAPrinterThePageGoesToAPdfInTheDocumentsFolder)
@@ -312,16 +311,6 @@ TEST_F(Print, WithoutAPrinterThePageGoesToAPdfInTheDocumentsFolder)
     EXPECT_EQ(recorder().texts(), expected);
 }
 
-TEST_F(Print, ScreenConversionRoundsHalvesToEvenAndFailsOutsideSixteenBits)
-{
-    const ScreenMetrics screen;
-    struct Case { double twips; int axis; int16_t pixels; };
-    for (const Case& c : {Case{4335, 1, 289}, {4335, 0, 289}, {22.5, 0, 2}, {37.5, 1, 2}, {52.5, 0, 4}, {4335, 2, -1}, {4335, -1, -1}})
-        EXPECT_EQ(ConvTwips2Pix(screen, c.twips, c.axis), c.pixels) << c.twips << "/" << c.axis;
-    EXPECT_EQ(ConvTwips2Pix(screen, 1e6, 0) + ConvTwips2Pix(ScreenMetrics{15, 0}, 100, 1), 0);
-    EXPECT_EQ(recorder().texts(), QStringList(2, " Error in ConvTwips2Pix function. Error Source:frmPrint.ConvTwips2Pix()"));
-}
-
 // The whole page as a person sees it: the result in its class colours on the
 // preview and on the page's map (also when the main map's guard was left set),
 // the heading, the scale bar and three legend columns.
@@ -343,9 +332,7 @@ TEST_F(Print, PrintedPdfShowsTheResultHeadingScaleBarAndLegends)
         const double l = e->Left + e->Width() * (1 + i) / 4, b = e->Bottom + e->Height() / 4;
         symbols[i]->Outline = false;
         cSymbols->Add(symbols[i], QString::number(i));
-        const QString wkt = QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(l, 0, 'f', 3).arg(b, 0, 'f', 3)
-                                .arg(l + e->Width() / 4, 0, 'f', 3).arg(b + e->Height() / 2, 0, 'f', 3);
-        cShapes->Add(shapeFromGeom(geomFromWkt(wkt.toStdString().c_str())), QString::number(i));
+        cShapes->Add(shapeFromGeom(geomFromWkt(qf::rect(l, b, e->Width() / 4, e->Height() / 2).c_str())), QString::number(i));
     }
     auto colour = [](int c) { return QColor(RedOf(c), GreenOf(c), BlueOf(c)); };
     // The preview shows it at each of its repaints and leaves the main map's guard alone.
