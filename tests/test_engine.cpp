@@ -39,9 +39,7 @@ MapLayerPtr layerOf(FrmMain& f, const QString& file) { return f.Map1->Layers().I
 
 // The window is ready for the next press.
 void expectIdle(FrmMain& f)
-{
-    EXPECT_TRUE(f.cmdUpdateMap->text() == "Update Map" && !Visible(f.lblWorking) && !bQueryRunning);
-}
+{ EXPECT_TRUE(f.cmdUpdateMap->text() == "Update Map" && !Visible(f.lblWorking) && !bQueryRunning); }
 
 }  // namespace
 
@@ -50,21 +48,18 @@ TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedAndEmptyRanges)
     FrmMain& f = panel(windDataset("wind-run"), kWindQuery, "200", "Max");
     layerOf(f, "20_wind.shp")->Visible = false;  // a filled layer would cover the results
     layerOf(f, "43_roads.shp")->Visible = layerOf(f, "59_cities.shp")->Visible = true;
-    {
-        ProgressLog log;
-        f.cmdUpdateMap->click();
-        // Progress: the first text, one per record with i / total, then the last.
-        EXPECT_EQ(log.texts, QStringList({"Calculating...", "Calculating... 0.0% finished",
-                                          "Calculating... 16.7% finished", "Calculating... 33.3% finished",
-                                          "Calculating... 50.0% finished", "Calculating... 66.7% finished",
-                                          "Calculating... 83.3% finished", "Calculating... finished"}));
-    }
+    ProgressLog log;
+    f.cmdUpdateMap->click();
+    // Progress: the first text, one per record with i / total, then the last.
+    EXPECT_EQ(log.texts, QStringList({"Calculating...", "Calculating... 0.0% finished",
+                                      "Calculating... 16.7% finished", "Calculating... 33.3% finished",
+                                      "Calculating... 50.0% finished", "Calculating... 66.7% finished",
+                                      "Calculating... 83.3% finished", "Calculating... finished"}));
     // Every record from 200 up, in the order of the records, keys from "0".
     ASSERT_TRUE(cShapes);
     ASSERT_EQ(QList<int>({cShapes->Count(), cSymbols->Count(), cFieldValues->Count()}), QList<int>({6, 6, 6}));
     EXPECT_EQ(sFieldName, "WINDPWRD");
     for (int i = 0; i < 6; ++i) EXPECT_DOUBLE_EQ(cFieldValues->Item(QString::number(i)).toDouble(), kDensities[size_t(i) + 1]);
-    EXPECT_EQ(QList<int>({colorAt("1"), colorAt("2")}), QList<int>({RGB(222, 184, 135), RGB(154, 50, 205)}));
     // Idle again, with the results button shown and the roads hidden.
     expectIdle(f);
     EXPECT_TRUE(Visible(f.cmdShowData) && ForeColor(f.lblWorking) == RGB(0, 0, 255) && !layerOf(f, "43_roads.shp")->Visible);
@@ -86,7 +81,7 @@ TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedAndEmptyRanges)
     // A range selecting nothing ends finished and empty without a word.
     f.cmdShowData->setVisible(true);
     setRange(f, "5000", "Max");
-    ProgressLog log;
+    log.texts.clear();
     f.cmdUpdateMap->click();
     EXPECT_TRUE(cShapes->Count() == 0 && !Visible(f.cmdShowData));
     EXPECT_EQ(log.texts, QStringList({"Calculating...", "Calculating... finished"}));
@@ -97,8 +92,7 @@ TEST(QueryRun, CancelServedInsideAYieldKeepsThePartialResult)
 {
     FrmMain& f = panel(windDataset("wind-cancel", std::vector<double>(120, 500)), kWindQuery, "200", "Max");
 
-    // The press of Cancel arrives while record 10 is shown, and is served at
-    // the next yield, at record 50.
+    // The press of Cancel arrives while record 10 is shown, and is served at the next yield, at record 50.
     QString captionAtCancel;
     ProgressLog log;
     log.also = [&](const QString& t) {
@@ -115,8 +109,7 @@ TEST(QueryRun, CancelServedInsideAYieldKeepsThePartialResult)
     EXPECT_FALSE(Visible(f.cmdShowData));
     expectIdle(f);
 
-    // The next press clears the flag before anything else, even when its
-    // input is refused.
+    // The next press clears the flag before anything else, even when its input is refused.
     auto partial = cShapes;
     f.cboQueryDropDown->setText("abc");
     f.cmdUpdateMap->click();
@@ -148,23 +141,20 @@ TEST(QueryRun, FailureInAWorkerLeavesTheWindowUsableAndSolarRefusalsComeFirst)
     f.cmdUpdateMap->click();
     EXPECT_EQ(cShapes->Count(), 6);
 
-    {
-        // A missing resource is refused before anything else: the first of the list has no file here.
-        FrmMain& f = panel(solarDir("solar-missing", "14_solar_glo.shp", "ANNGLO", {5.5}), kSolarQuery);
-        f.cboQueryDropDown3->setCurrentIndex(0);
-        f.cmdShowData->setVisible(true);
-        auto before = cShapes;
-        f.cmdUpdateMap->click();
-        EXPECT_EQ(f.lblWorking->text(), "This query requires 11_solar_direct.shp shapefile.");
-        EXPECT_TRUE(ForeColor(f.lblWorking) == RGB(255, 0, 0) && Visible(f.cmdShowData) && cShapes == before);  // not even hidden
-    }
-    {
-        // Off-grid without transmission lines fails with its own text.
-        panel(solarDir("offgrid-nolines", "14_solar_glo.shp", "ANNGLO", {4.0}), kSolarQuery, {}, {}, kGlobal10);
-        fill_cShapes_collection("Best solar off-grid systems");
-        EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.best_solar_off_grid_systems()"}));
-        EXPECT_TRUE(cShapes->Count() == 0 && !bQueryRunning);
-    }
+    // A missing resource is refused before anything else: the first of the list has no file here.
+    FrmMain& g = panel(solarDir("solar-missing", "14_solar_glo.shp", "ANNGLO", {5.5}), kSolarQuery);
+    g.cboQueryDropDown3->setCurrentIndex(0);
+    g.cmdShowData->setVisible(true);
+    auto before = cShapes;
+    g.cmdUpdateMap->click();
+    EXPECT_EQ(g.lblWorking->text(), "This query requires 11_solar_direct.shp shapefile.");
+    EXPECT_TRUE(ForeColor(g.lblWorking) == RGB(255, 0, 0) && Visible(g.cmdShowData) && cShapes == before);  // not even hidden
+
+    // Off-grid without transmission lines fails with its own text.
+    panel(solarDir("offgrid-nolines", "14_solar_glo.shp", "ANNGLO", {4.0}), kSolarQuery, {}, {}, kGlobal10);
+    fill_cShapes_collection("Best solar off-grid systems");
+    EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.best_solar_off_grid_systems()"}));
+    EXPECT_TRUE(cShapes->Count() == 0 && !bQueryRunning);
 }
 
 TEST(SolarQueries, OffGridBandsAreRelativeToTheLayersOwnRange)
@@ -224,8 +214,7 @@ TEST(ResultModel, ResultsDrawingDispatchAndAppendFollowTheFlagsAndKeys)
     EXPECT_EQ(results, QList<bool>({false, false, true, false}));
     bCancelQuery = false;
 
-    // A shape without its symbol: nothing is drawn while the run is under
-    // way; afterwards the draw fails with its own text.
+    // A shape without its symbol: nothing is drawn while the run is under way; afterwards the draw fails with its own text.
     cSymbols = std::make_shared<Collection<SymbolPtr>>();
     bQueryRunning = true;
     draw_query_results(f.Map1);
@@ -307,8 +296,7 @@ TEST(Expressions, SolarResourceChosenByExactNameAndRangesWindInDoublePrecisionWi
     }
 }
 
-// A step's text is the caption at once; the label repaints at most once a
-// frame, and the last text is painted all the same.
+// A step's text is the caption at once; the label repaints at most once a frame, and the last text is painted all the same.
 TEST(QueryRun, StepTextsRepaintAtTheScreensPaceAndTheLastOneShows)
 {
     FrmMain& f = panel(windDataset("wind-pace"), kWindQuery, "200", "Max");
