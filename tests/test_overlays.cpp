@@ -119,7 +119,7 @@ Panel allPanel(bool ticked) { return {.landUses = {"FOREST", "WATER"}, .chosen =
 
 // ------------------------------------------------------ protected areas
 
-TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrderAndAFailingCutGivesNothing)
+TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrderAFailingCutGivesNothingAndANullRecordRepeatsItsBox)
 {
     loaded(dataset("protected", {.wind = {{rect(0, 0, 1000, 1000), 500},         // right half protected, and a notch
                                           {rect(3000, 0, 1000, 1000), 800},      // untouched: comes back whole
@@ -145,13 +145,10 @@ TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrderAndAFaili
     fill_cShapes_collection(kProtected);
     EXPECT_TRUE(boxes().isEmpty());
     expectResults({{5e5, kClass400}});
-}
 
-TEST(ProtectedAreas, ARecordWithoutAPolygonBringsItsBoxBackAgain)
-{
+    // A record without a polygon brings its box back again: the box never ends by design; the test's handler ends it by
+    // throwing after the third, and the entry routine reports that.
     loaded(dataset("protected-null", {.wind = kOneWind, .protectedAreas = {{rect(500, 0, 1000, 1000), "Park"}, {"", "Lost Park"}}}));
-    // The box of such a record never ends by design; the test's handler ends
-    // it by throwing after the third, and the entry routine reports that.
     struct Stop {};
     auto& rec = testsupport::recorder();
     rec.onBox = [&rec](const testsupport::Recorder::Box&) { if (rec.boxes.size() == 3) throw Stop{}; };
@@ -163,15 +160,15 @@ TEST(ProtectedAreas, ARecordWithoutAPolygonBringsItsBoxBackAgain)
 
 // ------------------------------------------------------------ land use
 
-TEST(LandUse, PiecesComeLandMajorAndAreNotMerged)
+TEST(LandUse, PiecesComeLandMajorAndAreNotMergedThenNoChoiceAndNoMatchingRecord)
 {
-    loaded(dataset("landuse", {.wind = windRow({500, 800, 450, 600, 150}),  // at x = 0, 2000, ... 8000
-                               .landUse = {{rect(4500, -100, 1000, 1200), "FOREST"},     // half of the third
-                                           {rect(-100, -100, 3200, 1200), "FOREST"},     // the first two whole
-                                           {rect(-100, -100, 10000, 1200), "WATER"},     // not chosen
-                                           {rect(6000, 0, 400, 1000), "CROPLAND"},       // two adjoining pieces
-                                           {rect(6400, 0, 600, 1000), "CROPLAND"}}}),    // of the fourth
-           {.landUses = {"CROPLAND", "FOREST", "WATER"}, .chosen = {"CROPLAND", "FOREST"}});
+    const std::string dir = dataset("landuse", {.wind = windRow({500, 800, 450, 600, 150}),  // at x = 0, 2000, ... 8000
+                                                .landUse = {{rect(4500, -100, 1000, 1200), "FOREST"},   // half of the third
+                                                            {rect(-100, -100, 3200, 1200), "FOREST"},   // the first two whole
+                                                            {rect(-100, -100, 10000, 1200), "WATER"},   // not chosen
+                                                            {rect(6000, 0, 400, 1000), "CROPLAND"},     // two adjoining pieces
+                                                            {rect(6400, 0, 600, 1000), "CROPLAND"}}});  // of the fourth
+    loaded(dir, {.landUses = {"CROPLAND", "FOREST", "WATER"}, .chosen = {"CROPLAND", "FOREST"}});
     ProgressLog log;
     fill_cShapes_collection(kLandUse);
 
@@ -180,6 +177,19 @@ TEST(LandUse, PiecesComeLandMajorAndAreNotMerged)
     EXPECT_EQ(cFieldValues->Item("3").toDouble(), 600);
     // 4 land records of 4 wind records each: one text per land record.
     EXPECT_EQ(log.texts, overlaying("Overlaying...", {"25.0", "50.0", "75.0", "100.0"}));
+
+    // Nothing chosen: the expression cannot be cut short; the list index stands in the message, as the counter shares
+    // its variable.
+    loaded(dir, {.landUses = {"CROPLAND", "FOREST", "WATER"}});
+    fill_cShapes_collection(kLandUse);
+    EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.Wind_Landuse_Overlay()3--0"}));
+
+    // A choice that matches no record: no pair, no "finished".
+    loaded(dir, {.landUses = {"BARREN"}, .chosen = {"BARREN"}});
+    log.texts.clear();
+    fill_cShapes_collection(kLandUse);
+    EXPECT_TRUE(boxes().isEmpty() && cShapes->Count() == 0);
+    EXPECT_EQ(log.texts, QStringList({"Overlaying..."}));
 }
 
 // A failing cut leaves the previous pair's piece, which is kept again under
@@ -199,25 +209,6 @@ TEST(LandUse, AFailingCutRepeatsThePreviousPiece)
         else expectResults({{5e5, kClass500}, {5e5, kClass800}});
         if (!gap) EXPECT_TRUE(cShapes->Item("1") == cShapes->Item("0") && cFieldValues->Item("1").toDouble() == 800);
     }
-}
-
-TEST(LandUse, NoChoiceAndNoMatchingRecord)
-{
-    const std::string dir = dataset("landuse-empty", {.wind = kOneWind, .landUse = {{rect(0, 0, 1000, 1000), "FOREST"}}});
-    // Nothing chosen: the expression cannot be cut short; the list index
-    // stands in the message, as the counter shares its variable.
-    Panel p{.landUses = {"BARREN", "FOREST", "WATER"}};
-    loaded(dir, p);
-    fill_cShapes_collection(kLandUse);
-    EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.Wind_Landuse_Overlay()3--0"}));
-
-    // A choice that matches no record: no pair, no "finished".
-    p.chosen = {"WATER"};
-    loaded(dir, p);
-    ProgressLog log;
-    fill_cShapes_collection(kLandUse);
-    EXPECT_TRUE(boxes().isEmpty() && cShapes->Count() == 0);
-    EXPECT_EQ(log.texts, QStringList({"Overlaying..."}));
 }
 
 // ------------------------------------------------------------ line buffers
