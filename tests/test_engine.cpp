@@ -43,9 +43,10 @@ void expectIdle(FrmMain& f)
 
 }  // namespace
 
-TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedAndEmptyRanges)
+TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedEmptyAndFailedRunsAndSolarRefusalsFirst)
 {
-    FrmMain& f = panel(windDataset("wind-run"), kWindQuery, "200", "Max");
+    const std::string dir = windDataset("wind-run");
+    FrmMain& f = panel(dir, kWindQuery, "200", "Max");
     layerOf(f, "20_wind.shp")->Visible = false;  // a filled layer would cover the results
     layerOf(f, "43_roads.shp")->Visible = layerOf(f, "59_cities.shp")->Visible = true;
     ProgressLog log;
@@ -86,6 +87,32 @@ TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedAndEmptyRanges)
     EXPECT_TRUE(cShapes->Count() == 0 && !Visible(f.cmdShowData));
     EXPECT_EQ(log.texts, QStringList({"Calculating...", "Calculating... finished"}));
     EXPECT_EQ(boxes(), QStringList());  // not a word from any of the runs
+
+    // A failure in the worker leaves the window usable; the next run, on the dataset loaded again, works.
+    setRange(f, "200", "Max");
+    cLayerIndex = std::make_shared<Collection<int>>();  // the wind layer can no longer be found
+    f.cmdUpdateMap->click();
+    EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.wind_class_x_or_better()"}));
+    EXPECT_TRUE(cShapes->Count() == 0 && !Visible(f.cmdShowData));
+    expectIdle(f);
+    load(f, dir);
+    f.cmdUpdateMap->click();
+    EXPECT_EQ(cShapes->Count(), 6);
+
+    // A missing resource is refused before anything else: the first of the list has no file here.
+    FrmMain& g = panel(solarDir("solar-missing", "14_solar_glo.shp", "ANNGLO", {5.5}), kSolarQuery);
+    g.cboQueryDropDown3->setCurrentIndex(0);
+    g.cmdShowData->setVisible(true);
+    auto before = cShapes;
+    g.cmdUpdateMap->click();
+    EXPECT_EQ(g.lblWorking->text(), "This query requires 11_solar_direct.shp shapefile.");
+    EXPECT_TRUE(ForeColor(g.lblWorking) == RGB(255, 0, 0) && Visible(g.cmdShowData) && cShapes == before);  // not even hidden
+
+    // Off-grid without transmission lines fails with its own text.
+    panel(solarDir("offgrid-nolines", "14_solar_glo.shp", "ANNGLO", {4.0}), kSolarQuery, {}, {}, kGlobal10);
+    fill_cShapes_collection("Best solar off-grid systems");
+    EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.best_solar_off_grid_systems()"}));
+    EXPECT_TRUE(cShapes->Count() == 0 && !bQueryRunning);
 }
 
 TEST(QueryRun, CancelServedInsideAYieldKeepsThePartialResult)
@@ -124,37 +151,6 @@ TEST(QueryRun, CancelServedInsideAYieldKeepsThePartialResult)
     f.cmdUpdateMap->click();
     EXPECT_TRUE(bCancelQuery && cShapes->Count() == 0);
     EXPECT_EQ(log.texts, QStringList({"Calculating..."}));
-}
-
-TEST(QueryRun, FailureInAWorkerLeavesTheWindowUsableAndSolarRefusalsComeFirst)
-{
-    const std::string dir = windDataset("wind-failure");
-    FrmMain& f = panel(dir, kWindQuery, "200", "Max");
-    cLayerIndex = std::make_shared<Collection<int>>();  // the wind layer can no longer be found
-    f.cmdUpdateMap->click();
-    EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.wind_class_x_or_better()"}));
-    EXPECT_TRUE(cShapes->Count() == 0 && !Visible(f.cmdShowData));
-    expectIdle(f);
-
-    // The next run, on a dataset loaded again, works.
-    load(f, dir);
-    f.cmdUpdateMap->click();
-    EXPECT_EQ(cShapes->Count(), 6);
-
-    // A missing resource is refused before anything else: the first of the list has no file here.
-    FrmMain& g = panel(solarDir("solar-missing", "14_solar_glo.shp", "ANNGLO", {5.5}), kSolarQuery);
-    g.cboQueryDropDown3->setCurrentIndex(0);
-    g.cmdShowData->setVisible(true);
-    auto before = cShapes;
-    g.cmdUpdateMap->click();
-    EXPECT_EQ(g.lblWorking->text(), "This query requires 11_solar_direct.shp shapefile.");
-    EXPECT_TRUE(ForeColor(g.lblWorking) == RGB(255, 0, 0) && Visible(g.cmdShowData) && cShapes == before);  // not even hidden
-
-    // Off-grid without transmission lines fails with its own text.
-    panel(solarDir("offgrid-nolines", "14_solar_glo.shp", "ANNGLO", {4.0}), kSolarQuery, {}, {}, kGlobal10);
-    fill_cShapes_collection("Best solar off-grid systems");
-    EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.best_solar_off_grid_systems()"}));
-    EXPECT_TRUE(cShapes->Count() == 0 && !bQueryRunning);
 }
 
 TEST(SolarQueries, OffGridBandsAreRelativeToTheLayersOwnRange)
