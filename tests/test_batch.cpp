@@ -1,6 +1,5 @@
-// marlowan-batch run as a process: its table equals the one the window
-// computes; it goes on after boxes as the window does; any failure box gives
-// status 1, refusals and usage errors 2.
+// marlowan-batch run as a process: its table equals the one the window computes; it goes on after boxes as the window does;
+// any failure box gives status 1, refusals and usage errors 2.
 #include <QFileInfo>
 #include <QImage>
 #include <QProcess>

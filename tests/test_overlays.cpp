@@ -98,9 +98,8 @@ QStringList overlaying(const QString& word, std::initializer_list<const char*> p
     return out;
 }
 
-// Roads along y = 500 and transmission along y = 0, 1 km each: the proximity
-// strip runs from y = -500 to 1000. Two chosen land-use polygons cut it into
-// two pieces; the protected area takes the right half of the second wind polygon.
+// Roads along y = 500 and transmission along y = 0, 1 km each: the proximity strip runs from y = -500 to 1000. Two chosen
+// land-use polygons cut it into two pieces; the protected area takes the right half of the second wind polygon.
 Data allData(bool withProtected = true)
 {
     Data d{.wind = {{rect(4000, 0, 1000, 1000), 800}, {rect(0, 0, 1000, 1000), 500}, {rect(2000, 0, 1000, 1000), 450},
@@ -231,11 +230,10 @@ TEST(LineBuffers, AStraightRoadAndItsBufferCutTheWindPolygons)
     EXPECT_EQ(log.texts, overlaying("Overlaying...", {"0.0", "25.0", "50.0", "75.0"}));
 }
 
-// Below 400 records every buffer counts without a question; from 400 the
-// batches of a first tier leave a record out each, and a second tier leaves
-// every eleventh batch out. With 1300 records: twelve full batches of the
-// first tier; the open one (records 1214 to 1300) starts the first group,
-// batch 11 (records 1012 to 1111) closes it unused, and batch 12 starts the second.
+// Below 400 records every buffer counts without a question; from 400 the batches of a first tier leave a record out each,
+// and a second tier leaves every eleventh batch out. With 1300 records: twelve full batches of the first tier; the open one
+// (records 1214 to 1300) starts the first group, batch 11 (records 1012 to 1111) closes it unused, and batch 12 starts the
+// second.
 TEST(LineBuffers, TheTiersLeaveRecordsOut)
 {
     QStringList tiers1300;
@@ -300,9 +298,8 @@ TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
 
 // ------------------------------------------------------------ all criteria
 
-// Piece by piece, and within a piece in the order of the wind records; the
-// protected areas last, and not needed when unticked. No place near both
-// lines gives nothing and no word.
+// Piece by piece, and within a piece in the order of the wind records; the protected areas last, and not needed when
+// unticked. No place near both lines gives nothing and no word.
 TEST(AllCriteria, PiecesThenWindThenProtectedAreas)
 {
     Data apart = allData();

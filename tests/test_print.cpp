@@ -75,11 +75,10 @@ protected:
     // A lone cities layer with the given projection text ("" for no .prj file).
     FrmPrint& openOnCities(const std::string& name, const std::string& prj)
     {
-        const QString dir = q(testsupport::tempDir("unit-" + name));
-        writeFeatures(QDir(dir).filePath("59_cities.shp").toStdString(), 3, datagen::GeomKind::Point, false);
-        QFile file(QDir(dir).filePath("59_cities.prj"));
-        if (!prj.empty()) file.open(QIODevice::WriteOnly), file.write(QByteArray::fromStdString(prj)), file.close();
-        return openOn(dir, true);
+        const std::string dir = testsupport::tempDir("unit-" + name);
+        writeFeatures(dir + "/59_cities.shp", 3, datagen::GeomKind::Point, false);
+        if (QFile file(q(dir + "/59_cities.prj")); !prj.empty() && file.open(QIODevice::WriteOnly)) file.write(QByteArray::fromStdString(prj));
+        return openOn(q(dir), true);
     }
 
     bool printTo(FrmPrint& f, const QString& path, int dpi)
@@ -178,10 +177,9 @@ TEST_F(Print, WindowDesignScaleBarLookPageGeometryAtSeveralResolutionsAndCancel)
     EXPECT_EQ(recorder().texts(), QStringList(2, " Error in ConvTwips2Pix function. Error Source:frmPrint.ConvTwips2Pix()"));
 }
 
-// The theme maps take the main map's layers by theme and follow its top
-// layer's visibility; without wind, the first solar layer met from below goes
-// to the legend, under one title. A standard layer with no theme, such as
-// 21_wind.shp, is in the preview only.
+// The theme maps take the main map's layers by theme and follow its top layer's visibility; without wind, the first solar
+// layer met from below goes to the legend, under one title. A standard layer with no theme, such as 21_wind.shp, is in the
+// preview only.
 TEST_F(Print, ThemeMapsSplitTheMainMapsLayersAndFollowItsTopLayer)
 {
     QStringList all3;  // every standard file from 30 up, the top first
@@ -205,8 +203,7 @@ TEST_F(Print, ThemeMapsSplitTheMainMapsLayersAndFollowItsTopLayer)
         });
         EXPECT_NO_BOXES();
         Map* map1 = main->Map1;
-        // The preview has the main map's layers in its order, built anew, each
-        // with its own visibility.
+        // The preview has the main map's layers in its order, built anew, each with its own visibility.
         ASSERT_EQ(tags(f.Map2), tags(map1));
         for (int i = 0; i < map1->Layers().Count(); ++i) {
             const MapLayerPtr a = f.Map2->Layers().Item(i), b = map1->Layers().Item(i);
@@ -311,9 +308,8 @@ TEST_F(Print, WithoutAPrinterThePageGoesToAPdfInTheDocumentsFolder)
     EXPECT_EQ(recorder().texts(), expected);
 }
 
-// The whole page as a person sees it: the result in its class colours on the
-// preview and on the page's map (also when the main map's guard was left set),
-// the heading, the scale bar and three legend columns.
+// The whole page as a person sees it: the result in its class colours on the preview and on the page's map (also when the
+// main map's guard was left set), the heading, the scale bar and three legend columns.
 TEST_F(Print, PrintedPdfShowsTheResultHeadingScaleBarAndLegends)
 {
     FrmPrint& f = openOn(q(testsupport::dataset()), false, [](Map* map1) {
@@ -347,8 +343,7 @@ TEST_F(Print, PrintedPdfShowsTheResultHeadingScaleBarAndLegends)
     const QDir dir(q(testsupport::tempDir("picture")));
     ASSERT_TRUE(printTo(f, dir.filePath("page.pdf"), 600)) << recorder().texts().join("\n").toStdString();
     EXPECT_NO_BOXES();
-    // Heading and scale bar go to the page as pictures of the screen through
-    // the clipboard, which keeps the heading.
+    // Heading and scale bar go to the page as pictures of the screen through the clipboard, which keeps the heading.
     const QImage head = f.pictHeadFromClipboard->Picture();
     EXPECT_EQ(QGuiApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32), head.convertToFormat(QImage::Format_RGB32));
     EXPECT_EQ(QList({head.size(), f.pictScalebarFromClipboard->Picture().size()}),

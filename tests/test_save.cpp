@@ -254,8 +254,7 @@ TEST_F(SaveTest, ReplacesAnExistingSetAsAWhole)
     EXPECT_TRUE(slurp(dir + "/r.txt") == "neighbour" && slurp(dir + "/r2.dbf") == neighbourDbf && fs::exists(dir + "/r2.prj"));
 }
 
-// Where the set cannot be made the user hears of it, the program goes on and
-// nothing else on disk changes.
+// Where the set cannot be made the user hears of it, the program goes on and nothing else on disk changes.
 TEST_F(SaveTest, UnwritableTargetsEndWithTheFailureText)
 {
     setResult({square(0, 0, 10), square(50, 0, 10)}, "WINDPWRD", {200, 300});
