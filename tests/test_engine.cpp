@@ -101,8 +101,7 @@ TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedEmptyAndFailedRunsA
 
     // A missing resource is refused before anything else: the first of the list has no file here.
     FrmMain& g = panel(solarDir("solar-missing", "14_solar_glo.shp", "ANNGLO", {5.5}), kSolarQuery);
-    g.cboQueryDropDown3->setCurrentIndex(0);
-    g.cmdShowData->setVisible(true);
+    g.cboQueryDropDown3->setCurrentIndex(0), g.cmdShowData->setVisible(true);
     auto before = cShapes;
     g.cmdUpdateMap->click();
     EXPECT_EQ(g.lblWorking->text(), "This query requires 11_solar_direct.shp shapefile.");
@@ -179,8 +178,7 @@ TEST(SolarQueries, OffGridBandsAreRelativeToTheLayersOwnRange)
         panel(dir, kSolarQuery, {}, {}, kGlobal10);
 
         // The previous run's values stay: this query never touches them.
-        sFieldName = "WINDPWRD";
-        cFieldValues = std::make_shared<Collection<QVariant>>();
+        sFieldName = "WINDPWRD", cFieldValues = std::make_shared<Collection<QVariant>>();
         auto values = cFieldValues;
         ProgressLog log;
         fill_cShapes_collection("Best solar off-grid systems");
@@ -197,7 +195,7 @@ TEST(SolarQueries, OffGridBandsAreRelativeToTheLayersOwnRange)
     }
 }
 
-TEST(ResultModel, ResultsDrawingDispatchAndAppendFollowTheFlagsAndKeys)
+TEST(ResultModel, ResultsDrawingDispatchAndAppendFollowTheFlagsAndKeysAndExpressionsFollowThePanel)
 {
     FrmMain& f = freshMain();
     QList<bool> results{QueryResults()};  // never run
@@ -242,11 +240,10 @@ TEST(ResultModel, ResultsDrawingDispatchAndAppendFollowTheFlagsAndKeys)
     ASSERT_EQ(cShapes->Count(), 2);
     EXPECT_TRUE(cShapes->Item("1") == shape && cSymbols->Item("0") != cSymbols->Item("1") && !cSymbols->Item("0")->Outline);
     EXPECT_TRUE(colorAt("1") == RGB(222, 184, 135) && cFieldValues->Item("1").toDouble() == 200);
-}
 
-TEST(Expressions, SolarResourceChosenByExactNameAndRangesWindInDoublePrecisionWithMaxSolarInSingleWithout)
-{
-    FrmMain& f = freshMain();
+    // The solar resource is chosen by its exact name; ranges are written for wind in double precision with Max, for solar
+    // in single without.
+    testsupport::recorder().clear();
     struct Choice { const char* resource; const char* file; const char* field; };
     const Choice table[] = {
         {"40 km Solar Concentrators Annual Average(KWH/M2/DAY)", "11_solar_direct.shp", "ANNDIR"},
@@ -260,9 +257,7 @@ TEST(Expressions, SolarResourceChosenByExactNameAndRangesWindInDoublePrecisionWi
     };
     for (const Choice& c : table) {
         SCOPED_TRACE(c.resource);
-        f.cboQueryDropDown3->Clear();
-        f.cboQueryDropDown3->AddItem(c.resource);
-        f.cboQueryDropDown3->setCurrentIndex(0);
+        f.cboQueryDropDown3->Clear(), f.cboQueryDropDown3->AddItem(c.resource), f.cboQueryDropDown3->setCurrentIndex(0);
         GetSolarLayerChosen();
         EXPECT_EQ(QStringList({sSolarLayerFile, sSolarField}), QStringList({c.file, c.field}));
     }

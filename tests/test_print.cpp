@@ -321,8 +321,7 @@ TEST_F(Print, PrintedPdfShowsTheResultHeadingScaleBarAndLegends)
     SetClassSymbolColor("WINDPWRD", 250, symbols[0]), SetClassSymbolColor("WINDPWRD", 900, symbols[1]);
     const int lowClass = symbols[0]->Color, highClass = symbols[1]->Color;
     ASSERT_NE(lowClass, highClass);
-    cShapes = std::make_shared<Collection<ShapePtr>>();
-    cSymbols = std::make_shared<Collection<SymbolPtr>>();
+    cShapes = std::make_shared<Collection<ShapePtr>>(), cSymbols = std::make_shared<Collection<SymbolPtr>>();
     const RectanglePtr e = frmMain().Map1->FullExtent();
     for (int i : {0, 1}) {
         const double l = e->Left + e->Width() * (1 + i) / 4, b = e->Bottom + e->Height() / 4;

@@ -233,8 +233,7 @@ void checkPanel(FrmMain& f, const QString& query)
 TEST_F(QuerySet, DistanceBoxesPanelForEachArrangementAndWindListsFromTheWindRenderer)
 {
     loadDataset("panel");
-    f->txtQuery1[1]->setText("9");
-    f->chkProtectedAreas->setChecked(false);
+    f->txtQuery1[1]->setText("9"), f->chkProtectedAreas->setChecked(false);
     // typed before the selection (null: none), and shown after it
     struct Step { const char *typed, *query, *shown; };
     const Step steps[] = {
@@ -271,8 +270,7 @@ TEST_F(QuerySet, DistanceBoxesPanelForEachArrangementAndWindListsFromTheWindRend
     auto r = std::dynamic_pointer_cast<ClassBreaksRenderer>(f->Map1->Layers().Item(cLayerIndex->Item("20_wind.shp"))->Renderer);
     ASSERT_TRUE(r);
     r->setBreak(0, 123.25);
-    f->lstQuery1->setSelected(0, true);
-    f->cboQueryDropDown->setText("999");
+    f->lstQuery1->setSelected(0, true), f->cboQueryDropDown->setText("999");
     pick(*f, "Best wind + land use");
     EXPECT_EQ(QStringList({f->cboQueryDropDown->List(0), f->cboQueryDropDown->Text()}), QStringList({"123.25", "500"}));
     EXPECT_TRUE(f->lstQuery1->selectedItems().isEmpty());

@@ -102,9 +102,7 @@ TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrenceWithTheirSen
     EXPECT_FALSE(QueryDataTable());
 
     // Queries without a class sentence.
-    f.cboSelectQuery->Clear();
-    f.cboSelectQuery->AddItem("Best solar off-grid systems");
-    f.cboSelectQuery->setCurrentIndex(0);
+    f.cboSelectQuery->Clear(), f.cboSelectQuery->AddItem("Best solar off-grid systems"), f.cboSelectQuery->setCurrentIndex(0);
     QStringList empty{CreateAreaDescription(RGB(0, 0, 255))};
     f.cboSelectQuery->setItemText(0, "No Query (Base Map)");
     testsupport::recorder().clear();

@@ -112,7 +112,7 @@ protected:
     std::string dir;
 };
 
-TEST_F(SaveTest, ResultReadsBackWithItsGeometriesValuesAndProjection)
+TEST_F(SaveTest, ResultReadsBackWithItsGeometriesValuesAndTheProjectionOfItsLayer)
 {
     loadLayer("20_wind.shp", true);
     const QString twoParts = "MULTIPOLYGON(((2000 0,2010 0,2010 10,2000 0)),((2020 0,2040 0,2040 5,2020 5,2020 0)))";
@@ -152,10 +152,9 @@ TEST_F(SaveTest, ResultReadsBackWithItsGeometriesValuesAndProjection)
     setResult({square(0, 0, 10), square(50, 0, 20)}, "WINDPWRD", {200});
     saveAs("short.shp");
     EXPECT_EQ(recorder().texts(), QStringList{kFailure});
-}
 
-TEST_F(SaveTest, ProjectionComesFromTheChosenSolarLayerOrIsLeftOut)
-{
+    // The projection comes from the chosen solar layer, or is left out.
+    recorder().clear();
     struct Case { const char* field; const char* solarFile; const char* loaded; bool prj; bool withPrj; };
     const Case cases[] = {
         {"ANNGLO", "14_solar_glo.shp", "14_solar_glo.shp", true, true},
@@ -217,8 +216,7 @@ TEST_F(SaveTest, SilentStopsWriteNothingAndATitleEarlierInThePathCutsTheDirector
     EXPECT_EQ(recorder().fileRequests.size(), 2u);
 
     // After the off-grid query with no query before it: no field name.
-    cFieldValues.reset();
-    sFieldName.clear();
+    cFieldValues.reset(), sFieldName.clear();
     saveAs("none.shp");
     EXPECT_TRUE(recorder().boxes.empty() && filesIn(dir).empty());
 
@@ -233,7 +231,7 @@ TEST_F(SaveTest, SilentStopsWriteNothingAndATitleEarlierInThePathCutsTheDirector
     EXPECT_EQ(readBack(dir + "/plain.shp").values, std::vector<double>{300});
 }
 
-TEST_F(SaveTest, ReplacesAnExistingSetAsAWhole)
+TEST_F(SaveTest, ReplacesAnExistingSetAsAWholeAndUnwritableTargetsEndWithTheFailureText)
 {
     datagen::writeShapefile(dir + "/r.shp", datagen::GeomKind::Point, {{"NAME", 'C'}, {"POP", 'I'}},
                             {{"POINT(1 1)", {std::string("a"), 1LL}}, {"POINT(2 2)", {std::string("b"), 2LL}}}, true);
@@ -252,11 +250,10 @@ TEST_F(SaveTest, ReplacesAnExistingSetAsAWhole)
     EXPECT_TRUE(!fs::exists(dir + "/r.prj") && (!fs::exists(dir + "/r.cpg") || slurp(dir + "/r.cpg") != "STALE"));
     // Neighbours are left alone.
     EXPECT_TRUE(slurp(dir + "/r.txt") == "neighbour" && slurp(dir + "/r2.dbf") == neighbourDbf && fs::exists(dir + "/r2.prj"));
-}
 
-// Where the set cannot be made the user hears of it, the program goes on and nothing else on disk changes.
-TEST_F(SaveTest, UnwritableTargetsEndWithTheFailureText)
-{
+    // Where the set cannot be made the user hears of it, the program goes on and nothing else on disk changes.
+    recorder().clear();
+    fs::remove_all(dir), fs::create_directories(dir);
     setResult({square(0, 0, 10), square(50, 0, 10)}, "WINDPWRD", {200, 300});
 
     // The name is taken by a directory.
