@@ -230,52 +230,6 @@ void checkPanel(FrmMain& f, const QString& query)
 
 }  // namespace
 
-TEST_F(QuerySet, DistanceBoxesPanelForEachArrangementAndWindListsFromTheWindRenderer)
-{
-    loadDataset("panel");
-    f->txtQuery1[1]->setText("9"), f->chkProtectedAreas->setChecked(false);
-    // typed before the selection (null: none), and shown after it
-    struct Step { const char *typed, *query, *shown; };
-    const Step steps[] = {
-        {nullptr, "Best wind + transmission", "5"},  // the initial text survives the first selection
-        {"7", "Best wind + roads", "2"},             // reset on every roads selection
-        {"4", "Best wind + transmission", "4"},      // carried over from roads
-        {"", "Best wind + transmission", "2"}, {"abc", "Best wind (all)", "2"},
-    };
-    for (const Step& s : steps) {
-        if (s.typed) f->txtQuery1[2]->setText(s.typed);
-        pick(*f, s.query);
-        EXPECT_EQ(f->txtQuery1[2]->text(), s.shown) << s.query << " after \"" << (s.typed ? s.typed : "") << '"';
-    }
-    EXPECT_TRUE(f->txtQuery1[1]->text() == "9" && !f->chkProtectedAreas->isChecked());  // both survive
-
-    // Each query follows one that moved or showed other controls.
-    for (const char* query : {"Best wind (all)", "Best wind + roads", "Best Solar X kWh/m2/day", "Best wind (all)",
-                              "Best wind + transmission", "Best Solar X kWh/m2/day", "No Query (Base Map)"}) {
-        SCOPED_TRACE(query);
-        pick(*f, query);
-        EXPECT_EQ(f->fraEditQueryParameters->title(), query);
-        checkPanel(*f, query);
-        EXPECT_NO_BOXES();
-    }
-
-    pick(*f, "Best wind + land use");
-    const QStringList breaks = {"200", "300", "400", "500", "600", "800"};
-    EXPECT_EQ(items(f->cboQueryDropDown), breaks);
-    EXPECT_EQ(items(f->cboQueryDropDown2), breaks + QStringList{"Max"});
-    EXPECT_EQ(QStringList({f->cboQueryDropDown->Text(), f->cboQueryDropDown2->Text()}), QStringList({"500", "800"}));
-    EXPECT_TRUE(items(f->lstQuery1) == kLandUses && f->lstQuery1->selectedItems().isEmpty());
-
-    // A renderer changed under the panel is what the lists show next time.
-    auto r = std::dynamic_pointer_cast<ClassBreaksRenderer>(f->Map1->Layers().Item(cLayerIndex->Item("20_wind.shp"))->Renderer);
-    ASSERT_TRUE(r);
-    r->setBreak(0, 123.25);
-    f->lstQuery1->setSelected(0, true), f->cboQueryDropDown->setText("999");
-    pick(*f, "Best wind + land use");
-    EXPECT_EQ(QStringList({f->cboQueryDropDown->List(0), f->cboQueryDropDown->Text()}), QStringList({"123.25", "500"}));
-    EXPECT_TRUE(f->lstQuery1->selectedItems().isEmpty());
-}
-
 TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFileAndTheLayersOfEachResource)
 {
     loadDataset("only-16", Content{.files = {"16_solar_tilt.shp"}});
@@ -400,10 +354,52 @@ const Inputs kValidation[] = {
 
 }  // namespace
 
-TEST_F(QuerySet, ValidationTable)
+TEST_F(QuerySet, DistanceBoxesPanelForEachArrangementWindListsFromTheWindRendererAndValidation)
 {
+    loadDataset("panel");
+    f->txtQuery1[1]->setText("9"), f->chkProtectedAreas->setChecked(false);
+    // typed before the selection (null: none), and shown after it
+    struct Step { const char *typed, *query, *shown; };
+    const Step steps[] = {
+        {nullptr, "Best wind + transmission", "5"},  // the initial text survives the first selection
+        {"7", "Best wind + roads", "2"},             // reset on every roads selection
+        {"4", "Best wind + transmission", "4"},      // carried over from roads
+        {"", "Best wind + transmission", "2"}, {"abc", "Best wind (all)", "2"},
+    };
+    for (const Step& s : steps) {
+        if (s.typed) f->txtQuery1[2]->setText(s.typed);
+        pick(*f, s.query);
+        EXPECT_EQ(f->txtQuery1[2]->text(), s.shown) << s.query << " after \"" << (s.typed ? s.typed : "") << '"';
+    }
+    EXPECT_TRUE(f->txtQuery1[1]->text() == "9" && !f->chkProtectedAreas->isChecked());  // both survive
+
+    // Each query follows one that moved or showed other controls.
+    for (const char* query : {"Best wind (all)", "Best wind + roads", "Best Solar X kWh/m2/day", "Best wind (all)",
+                              "Best wind + transmission", "Best Solar X kWh/m2/day", "No Query (Base Map)"}) {
+        SCOPED_TRACE(query);
+        pick(*f, query);
+        EXPECT_EQ(f->fraEditQueryParameters->title(), query);
+        checkPanel(*f, query);
+        EXPECT_NO_BOXES();
+    }
+
+    pick(*f, "Best wind + land use");
+    const QStringList breaks = {"200", "300", "400", "500", "600", "800"};
+    EXPECT_EQ(items(f->cboQueryDropDown), breaks);
+    EXPECT_EQ(items(f->cboQueryDropDown2), breaks + QStringList{"Max"});
+    EXPECT_EQ(QStringList({f->cboQueryDropDown->Text(), f->cboQueryDropDown2->Text()}), QStringList({"500", "800"}));
+    EXPECT_TRUE(items(f->lstQuery1) == kLandUses && f->lstQuery1->selectedItems().isEmpty());
+
+    // A renderer changed under the panel is what the lists show next time.
+    auto r = std::dynamic_pointer_cast<ClassBreaksRenderer>(f->Map1->Layers().Item(cLayerIndex->Item("20_wind.shp"))->Renderer);
+    ASSERT_TRUE(r);
+    r->setBreak(0, 123.25);
+    f->lstQuery1->setSelected(0, true), f->cboQueryDropDown->setText("999");
+    pick(*f, "Best wind + land use");
+    EXPECT_EQ(QStringList({f->cboQueryDropDown->List(0), f->cboQueryDropDown->Text()}), QStringList({"123.25", "500"}));
+    EXPECT_TRUE(f->lstQuery1->selectedItems().isEmpty());
+
     // The panel of "Best wind (all)" shows both distance boxes, so that they can take the focus.
-    loadDataset("validation");
     pick(*f, "Best wind (all)");
     f->show(), f->activateWindow(), QApplication::processEvents();
     ASSERT_EQ(items(f->lstQuery1), kLandUses);

@@ -36,15 +36,6 @@ FrmMain& windRun(const std::string& name)
     return f;
 }
 
-FrmMain& solarRun(const std::string& name, const std::vector<double>& values)
-{
-    FrmMain& f = panel(solarDir(name, "14_solar_glo.shp", "ANNGLO", values), kSolarQuery, "0", "10", kGlobal10);
-    f.cmdUpdateMap->click();
-    EXPECT_EQ(cShapes->Count(), int(values.size()));
-    testsupport::recorder().clear();
-    return f;
-}
-
 }  // namespace
 
 TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrenceWithTheirSentencesAndFailures)
@@ -112,7 +103,10 @@ TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrenceWithTheirSen
 TEST(ResultsTable, SolarRowsHaveOneDecimalNoAndAndAThickBorderAndOnlyFourteenShowWithAWarningAtEachActivation)
 {
     // All sixteen solar classes, the top one first; 5.2 adds to the row of 5.4.
-    solarRun("table-solar", {9.5, 1.0, 5.4, 2.2, 2.7, 3.2, 3.7, 4.2, 4.7, 5.2, 5.7, 6.2, 6.7, 7.2, 7.7, 8.2, 8.7});
+    const std::vector<double> values = {9.5, 1.0, 5.4, 2.2, 2.7, 3.2, 3.7, 4.2, 4.7, 5.2, 5.7, 6.2, 6.7, 7.2, 7.7, 8.2, 8.7};
+    panel(solarDir("table-solar", "14_solar_glo.shp", "ANNGLO", values), kSolarQuery, "0", "10", kGlobal10).cmdUpdateMap->click();
+    ASSERT_EQ(cShapes->Count(), int(values.size()));
+    testsupport::recorder().clear();
     FrmShowQueryData& form = frmShowQueryData();
     activate(form);
     EXPECT_EQ(boxes(), QStringList({"Form will not be able to show all values"}));
