@@ -76,8 +76,16 @@ struct Panel {
     bool protectedTicked = true;
 };
 
+// The progress texts since the last load.
+ProgressLog& progress()
+{
+    static ProgressLog log;
+    return log;
+}
+
 FrmMain& loaded(const std::string& dir, const Panel& p = {})
 {
+    progress().also = {};
     FrmMain& f = freshMain();
     load(f, dir);
     setRange(f, p.min, p.max);
@@ -87,7 +95,7 @@ FrmMain& loaded(const std::string& dir, const Panel& p = {})
         f.lstQuery1->setSelected(i, p.chosen.contains(p.landUses[i]));
     }
     f.txtQuery1[1]->setText(p.distance1), f.txtQuery1[2]->setText(p.distance2), f.chkProtectedAreas->setChecked(p.protectedTicked);
-    testsupport::recorder().clear();
+    testsupport::recorder().clear(), progress().texts.clear();
     return f;
 }
 
@@ -128,14 +136,13 @@ TEST(ProtectedAreas, EachWindPolygonLosesTheDissolvedAreasInRecordOrderAFailingC
                                  .protectedAreas = {{rect(500, -500, 1000, 2000), "East"},
                                                     {rect(5000, 0, 2000, 2000), "Inner"},
                                                     {rect(300, 200, 400, 100), "Notch"}}}));  // overlaps East: dissolved first
-    ProgressLog log;
     fill_cShapes_collection(kProtected);
 
     expectResults({{500.0 * 1000 - 200.0 * 100, kClass500}, {1e6, kClass800}});
     EXPECT_TRUE(!cSymbols->Item("0")->Outline && sFieldName == "WINDPWRD");
     EXPECT_EQ(QList<double>({cFieldValues->Item("0").toDouble(), cFieldValues->Item("1").toDouble()}), QList<double>({500, 800}));
     // The counter starts at 1, so the last record shows 100.0%.
-    EXPECT_EQ(log.texts, overlaying("Overlaying...", {"33.3", "66.7", "100.0"}));
+    EXPECT_EQ(progress().texts, overlaying("Overlaying...", {"33.3", "66.7", "100.0"}));
 
     // The self-crossing wind polygon cannot be cut and gives nothing; the
     // next one is cut by the only protected record, with no word.
@@ -167,13 +174,12 @@ TEST(LandUse, PiecesComeLandMajorAndAreNotMergedThenNoChoiceAndNoMatchingRecord)
                                                             {rect(6000, 0, 400, 1000), "CROPLAND"},     // two adjoining pieces
                                                             {rect(6400, 0, 600, 1000), "CROPLAND"}}});  // of the fourth
     loaded(dir, {.landUses = {"CROPLAND", "FOREST", "WATER"}, .chosen = {"CROPLAND", "FOREST"}});
-    ProgressLog log;
     fill_cShapes_collection(kLandUse);
 
     expectResults({{5e5, kClass400}, {1e6, kClass500}, {1e6, kClass800}, {4e5, kClass600}, {6e5, kClass600}});
     EXPECT_EQ(cFieldValues->Item("3").toDouble(), 600);
     // 4 land records of 4 wind records each: one text per land record.
-    EXPECT_EQ(log.texts, overlaying("Overlaying...", {"25.0", "50.0", "75.0", "100.0"}));
+    EXPECT_EQ(progress().texts, overlaying("Overlaying...", {"25.0", "50.0", "75.0", "100.0"}));
 
     // Nothing chosen: the expression cannot be cut short; the list index stands in the message, as the counter shares
     // its variable.
@@ -183,10 +189,9 @@ TEST(LandUse, PiecesComeLandMajorAndAreNotMergedThenNoChoiceAndNoMatchingRecord)
 
     // A choice that matches no record: no pair, no "finished".
     loaded(dir, {.landUses = {"BARREN"}, .chosen = {"BARREN"}});
-    log.texts.clear();
     fill_cShapes_collection(kLandUse);
     EXPECT_TRUE(boxes().isEmpty() && cShapes->Count() == 0);
-    EXPECT_EQ(log.texts, QStringList({"Overlaying..."}));
+    EXPECT_EQ(progress().texts, QStringList({"Overlaying..."}));
 }
 
 // A failing cut leaves the previous pair's piece, which is kept again under
@@ -217,13 +222,12 @@ TEST(LineBuffers, AStraightRoadAndItsBufferCutTheWindPolygons)
                                       {rect(7000, 5000, 1000, 1000), 450}},   // out of reach
                              .roads = {"LINESTRING(0 0, 10000 0)"}}),
            {.distance2 = "1.5"});
-    ProgressLog log;
     fill_cShapes_collection(kRoads);
 
     expectResults({{1e6, kClass500}, {5e5, kClass800}, {5e5, kClass600}});
     EXPECT_EQ(cShapes->Item("2"), cShapes->Item("1"));
     // A layer of one record: the buffer comes without a record text.
-    EXPECT_EQ(log.texts, overlaying("Overlaying...", {"0.0", "25.0", "50.0", "75.0"}));
+    EXPECT_EQ(progress().texts, overlaying("Overlaying...", {"0.0", "25.0", "50.0", "75.0"}));
 }
 
 // Below 400 records every buffer counts without a question; from 400 the batches of a first tier leave a record out each,
@@ -245,7 +249,6 @@ TEST(LineBuffers, TheTiersLeaveRecordsOut)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.records);
         loaded(dataset("roads-" + std::to_string(c.records), {.roads = shortSegments(c.records)}));
-        ProgressLog log;
         PolygonPtr buffer = create_line_buffers("43_roads.shp", 0.001f);
         ASSERT_TRUE(buffer);
         ASSERT_EQ(boxes(), c.records < 400 ? QStringList() : QStringList({kQuestion}));
@@ -256,10 +259,10 @@ TEST(LineBuffers, TheTiersLeaveRecordsOut)
             EXPECT_EQ(covers(buffer, 10.0 * (record - 1), 5), !c.left(record)) << "record " << record;
         }
         EXPECT_NEAR(buffer->Area(), kept * kSegmentBuffer, 1e-3);
-        ASSERT_EQ(log.texts.size(), c.records - 1 + c.tiers.size());
-        EXPECT_EQ(log.texts.first(), QString("Creating Roads Buffers: 2 of %1").arg(c.records));
-        EXPECT_EQ(log.texts[c.records - 2], QString("Creating Roads Buffers: %1 of %1").arg(c.records));
-        EXPECT_EQ(log.texts.mid(c.records - 1), c.tiers);
+        ASSERT_EQ(progress().texts.size(), c.records - 1 + c.tiers.size());
+        EXPECT_EQ(progress().texts.first(), QString("Creating Roads Buffers: 2 of %1").arg(c.records));
+        EXPECT_EQ(progress().texts[c.records - 2], QString("Creating Roads Buffers: %1 of %1").arg(c.records));
+        EXPECT_EQ(progress().texts.mid(c.records - 1), c.tiers);
     }
 }
 
@@ -270,24 +273,23 @@ TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
     cFieldValues = std::make_shared<Collection<QVariant>>(), sFieldName = "ANNGLO";
     cFieldValues->Add(QVariant(123.0), "0");
     testsupport::recorder().answers = {seam::Answer::No};
-    ProgressLog log;
     fill_cShapes_collection(kRoads);
     EXPECT_EQ(boxes(), QStringList({kQuestion}));
-    EXPECT_TRUE(log.texts.isEmpty() && sFieldName == "ANNGLO");
+    EXPECT_TRUE(progress().texts.isEmpty() && sFieldName == "ANNGLO");
     EXPECT_EQ(QList<int>({cShapes->Count(), cFieldValues->Count()}), QList<int>({0, 1}));
 
     // Cancel pressed while record 150 is shown is served at the next yield.
     testsupport::recorder().clear();
     bool posted = false;
-    log.also = [&](const QString& t) {
+    progress().also = [&](const QString& t) {
         if (posted || t != "Creating Roads Buffers: 150 of 400") return;
         posted = true;
         QMetaObject::invokeMethod(&f, [] { bCancelQuery = true; }, Qt::QueuedConnection);
     };
     fill_cShapes_collection(kRoads);
     EXPECT_TRUE(bCancelQuery);
-    ASSERT_FALSE(log.texts.isEmpty());
-    EXPECT_EQ(log.texts.last(), "Creating Roads Buffers: 150 of 400") << "and no Overlaying...";
+    ASSERT_FALSE(progress().texts.isEmpty());
+    EXPECT_EQ(progress().texts.last(), "Creating Roads Buffers: 150 of 400") << "and no Overlaying...";
     EXPECT_TRUE(cShapes->Count() == 0 && boxes() == QStringList({kQuestion}));
 }
 
@@ -311,10 +313,9 @@ TEST(AllCriteria, PiecesThenWindThenProtectedAreas)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         loaded(dataset(c.name, c.data), allPanel(c.ticked));
-        ProgressLog log;
         fill_cShapes_collection(kAll);
         expectResults(c.results);
-        if (!c.log.isEmpty()) EXPECT_EQ(log.texts, c.log);
+        if (!c.log.isEmpty()) EXPECT_EQ(progress().texts, c.log);
         if (!c.results.empty()) EXPECT_EQ(cFieldValues->Item("2").toDouble(), 800);
     }
 }
@@ -330,10 +331,9 @@ TEST(AllCriteria, TheCommonAreaKeepsTheGapsOfTheTiers)
     Panel p = allPanel(false);
     p.distance1 = "0.004", p.distance2 = "0.006";
     loaded(dataset("all-gaps", d), p);
-    ProgressLog log;
     fill_cShapes_collection(kAll);
     // The second land-use polygon lies beyond the transmission line: one piece.
-    EXPECT_EQ(log.texts.mid(log.texts.indexOf("Intersecting...")),
+    EXPECT_EQ(progress().texts.mid(progress().texts.indexOf("Intersecting...")),
               overlaying("Intersecting...", {"0.0", "50.0"}, false) + overlaying("Overlaying...", {"0.0"}).mid(1));
     // 995 to 1006 and 1014 to 1025, between y = 1 and 9.
     expectResults({{22.0 * 8, kClass600}}, {kQuestion});
@@ -345,12 +345,11 @@ TEST(AllCriteria, TheSecondQuestionAnsweredNoStopsAfterTheRoads)
     d.roads = shortSegments(400, 500), d.transmission = shortSegments(400, 0);
     loaded(dataset("all-no", d), allPanel(true));
     testsupport::recorder().answers = {seam::Answer::Yes, seam::Answer::No};
-    ProgressLog log;
     fill_cShapes_collection(kAll);
     EXPECT_EQ(boxes(), QStringList({kQuestion, kQuestion}));
-    ASSERT_FALSE(log.texts.isEmpty());
-    EXPECT_EQ(log.texts.last(), "Creating buffer polygon 3 out of 3");
-    EXPECT_TRUE(!log.texts.contains("Intersecting...") && cShapes->Count() == 0);
+    ASSERT_FALSE(progress().texts.isEmpty());
+    EXPECT_EQ(progress().texts.last(), "Creating buffer polygon 3 out of 3");
+    EXPECT_TRUE(!progress().texts.contains("Intersecting...") && cShapes->Count() == 0);
 }
 
 // A missing layer (protected areas, roads, land use) or more roads than
@@ -370,10 +369,9 @@ TEST(AllCriteria, MissingLayersAndFailuresOfTheBufferEndTheQueryWithTheirMessage
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         loaded(dataset(c.name, c.data), allPanel(true));
-        ProgressLog log;
         fill_cShapes_collection(c.query);
         EXPECT_EQ(boxes(), QStringList({c.text}));
-        if (c.query == kRoads) EXPECT_TRUE(log.texts.isEmpty());
+        if (c.query == kRoads) EXPECT_TRUE(progress().texts.isEmpty());
         EXPECT_EQ(cShapes->Count(), 0);
     }
 }

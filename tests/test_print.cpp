@@ -180,8 +180,36 @@ TEST_F(Print, WindowDesignScaleBarLookPageGeometryAtSeveralResolutionsAndCancel)
 // The theme maps take the main map's layers by theme and follow its top layer's visibility; without wind, the first solar
 // layer met from below goes to the legend, under one title. A standard layer with no theme, such as 21_wind.shp, is in the
 // preview only.
-TEST_F(Print, ThemeMapsSplitTheMainMapsLayersAndFollowItsTopLayer)
+TEST_F(Print, LegendBitmapsBesideTheProgramThenThemeMapsSplitTheMainMapsLayersAndFollowItsTopLayer)
 {
+    // The legend bitmaps are written beside the program and shown in the picture boxes.
+    for (const char* f : {"LegendBmp1.bmp", "LegendBmp3.bmp", "LegendBmp4.bmp"}) QFile::remove(programFile(f));
+    FrmPrint& f = openOn(q(testsupport::dataset()));
+    EXPECT_NO_BOXES();
+    for (const auto& [file, box] : {std::pair{"LegendBmp1.bmp", f.Picture1}, {"LegendBmp3.bmp", f.Picture3}, {"LegendBmp4.bmp", f.Picture4}}) {
+        SCOPED_TRACE(file);
+        QImage onDisk(programFile(file));
+        ASSERT_FALSE(onDisk.isNull());
+        EXPECT_EQ(box->Picture().convertToFormat(QImage::Format_RGB32), onDisk.convertToFormat(QImage::Format_RGB32));
+        EXPECT_GT(countColour(onDisk, onDisk.rect(), Qt::black, 127), 50) << "a legend with entries is not blank";
+    }
+
+    // The next opening overwrites them.
+    UnloadFrmPrint();
+    if (QFile spoilt(programFile("LegendBmp3.bmp")); !spoilt.open(QIODevice::WriteOnly | QIODevice::Truncate) || spoilt.write("no bitmap") < 0) FAIL();
+    frmMain().mnuPrint_Click();
+    EXPECT_FALSE(QImage(programFile("LegendBmp3.bmp")).isNull() || frmPrint().Picture3->Picture().isNull());
+
+    // One that cannot be written ends the load with its message; the window
+    // opens all the same, without the pictures that are loaded after all three files.
+    UnloadFrmPrint(), recorder().clear();
+    QFile::remove(programFile("LegendBmp3.bmp"));
+    ASSERT_TRUE(QDir().mkpath(programFile("LegendBmp3.bmp")));  // a directory where the file should go
+    frmMain().mnuPrint_Click();
+    QDir(programFile("LegendBmp3.bmp")).removeRecursively();
+    EXPECT_EQ(recorder().texts(), QStringList({" Error in Form_Load function. Error Source:frmPrint.Form_Load()"}));
+    EXPECT_TRUE(frmPrint().Picture1->Picture().isNull() && frmPrint().isVisible());
+
     QStringList all3;  // every standard file from 30 up, the top first
     for (const std::string& file : datagen::standardFiles()) if (file >= "30") all3.prepend(q(file));
     struct Case { const char* what; QString dir; bool topVisible; QStringList map3, map5, map6; bool flag; };
@@ -221,38 +249,7 @@ TEST_F(Print, ThemeMapsSplitTheMainMapsLayersAndFollowItsTopLayer)
     EXPECT_EQ(countColour(empty, empty.rect(), Qt::white, 0), empty.width() * empty.height());
 }
 
-TEST_F(Print, LegendBitmapsAreWrittenBesideTheProgramAndShownInThePictureBoxes)
-{
-    for (const char* f : {"LegendBmp1.bmp", "LegendBmp3.bmp", "LegendBmp4.bmp"}) QFile::remove(programFile(f));
-    FrmPrint& f = openOn(q(testsupport::dataset()));
-    EXPECT_NO_BOXES();
-    for (const auto& [file, box] : {std::pair{"LegendBmp1.bmp", f.Picture1}, {"LegendBmp3.bmp", f.Picture3}, {"LegendBmp4.bmp", f.Picture4}}) {
-        SCOPED_TRACE(file);
-        QImage onDisk(programFile(file));
-        ASSERT_FALSE(onDisk.isNull());
-        EXPECT_EQ(box->Picture().convertToFormat(QImage::Format_RGB32), onDisk.convertToFormat(QImage::Format_RGB32));
-        EXPECT_GT(countColour(onDisk, onDisk.rect(), Qt::black, 127), 50) << "a legend with entries is not blank";
-    }
-
-    // The next opening overwrites them.
-    UnloadFrmPrint();
-    if (QFile spoilt(programFile("LegendBmp3.bmp")); !spoilt.open(QIODevice::WriteOnly | QIODevice::Truncate) || spoilt.write("no bitmap") < 0) FAIL();
-    frmMain().mnuPrint_Click();
-    EXPECT_FALSE(QImage(programFile("LegendBmp3.bmp")).isNull() || frmPrint().Picture3->Picture().isNull());
-
-    // One that cannot be written ends the load with its message; the window
-    // opens all the same, without the pictures that are loaded after all three files.
-    UnloadFrmPrint(), recorder().clear();
-    QFile::remove(programFile("LegendBmp3.bmp"));
-    ASSERT_TRUE(QDir().mkpath(programFile("LegendBmp3.bmp")));  // a directory where the file should go
-    frmMain().mnuPrint_Click();
-    QDir(programFile("LegendBmp3.bmp")).removeRecursively();
-    EXPECT_EQ(recorder().texts(), QStringList({" Error in Form_Load function. Error Source:frmPrint.Form_Load()"}));
-    EXPECT_TRUE(frmPrint().Picture1->Picture().isNull() && frmPrint().isVisible());
-}
-
-// The unit code comes from the upper-cased unit name of the top layer; the
-// scale bar's failures leave out what comes after them.
+// The unit code comes from the upper-cased unit name of the top layer; the scale bar's failures leave out what follows.
 TEST_F(Print, ScaleBarUnitFromTheTopLayerAndWhatItsFailuresLeaveOut)
 {
     const std::string geo = "GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\",6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],";
