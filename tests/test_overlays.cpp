@@ -26,11 +26,7 @@ std::string bowtie(double x, double y, double s)
 using Named = std::vector<std::pair<std::string, std::string>>;
 
 // A hand-made dataset with a far city; empty parts are left out.
-struct Data {
-    std::vector<Poly> wind;
-    std::vector<std::string> roads, transmission;
-    Named landUse, protectedAreas;
-};
+struct Data { std::vector<Poly> wind; std::vector<std::string> roads, transmission; Named landUse, protectedAreas; };
 
 std::string dataset(const std::string& name, const Data& d)
 {
@@ -266,7 +262,7 @@ TEST(LineBuffers, TheTiersLeaveRecordsOut)
     }
 }
 
-TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
+TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResultAndASecondNoStopsAfterTheRoads)
 {
     FrmMain& f = loaded(dataset("roads-no", {.wind = kOneWind, .roads = shortSegments(400)}));
     // The previous run's values stay, as the worker never starts.
@@ -291,6 +287,17 @@ TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResult)
     ASSERT_FALSE(progress().texts.isEmpty());
     EXPECT_EQ(progress().texts.last(), "Creating Roads Buffers: 150 of 400") << "and no Overlaying...";
     EXPECT_TRUE(cShapes->Count() == 0 && boxes() == QStringList({kQuestion}));
+
+    // With all criteria, the second question answered No stops after the roads.
+    Data d = allData();
+    d.roads = shortSegments(400, 500), d.transmission = shortSegments(400, 0);
+    loaded(dataset("all-no", d), allPanel(true));
+    testsupport::recorder().answers = {seam::Answer::Yes, seam::Answer::No};
+    fill_cShapes_collection(kAll);
+    EXPECT_EQ(boxes(), QStringList({kQuestion, kQuestion}));
+    ASSERT_FALSE(progress().texts.isEmpty());
+    EXPECT_EQ(progress().texts.last(), "Creating buffer polygon 3 out of 3");
+    EXPECT_TRUE(!progress().texts.contains("Intersecting...") && cShapes->Count() == 0);
 }
 
 // ------------------------------------------------------------ all criteria
@@ -337,19 +344,6 @@ TEST(AllCriteria, TheCommonAreaKeepsTheGapsOfTheTiers)
               overlaying("Intersecting...", {"0.0", "50.0"}, false) + overlaying("Overlaying...", {"0.0"}).mid(1));
     // 995 to 1006 and 1014 to 1025, between y = 1 and 9.
     expectResults({{22.0 * 8, kClass600}}, {kQuestion});
-}
-
-TEST(AllCriteria, TheSecondQuestionAnsweredNoStopsAfterTheRoads)
-{
-    Data d = allData();
-    d.roads = shortSegments(400, 500), d.transmission = shortSegments(400, 0);
-    loaded(dataset("all-no", d), allPanel(true));
-    testsupport::recorder().answers = {seam::Answer::Yes, seam::Answer::No};
-    fill_cShapes_collection(kAll);
-    EXPECT_EQ(boxes(), QStringList({kQuestion, kQuestion}));
-    ASSERT_FALSE(progress().texts.isEmpty());
-    EXPECT_EQ(progress().texts.last(), "Creating buffer polygon 3 out of 3");
-    EXPECT_TRUE(!progress().texts.contains("Intersecting...") && cShapes->Count() == 0);
 }
 
 // A missing layer (protected areas, roads, land use) or more roads than

@@ -180,11 +180,8 @@ std::map<std::string, QWidget*> panelControls(FrmMain& f)
     return m;
 }
 
-struct Shown {
-    const char* ctl;
-    const char* caption;  // label caption or text box text; null: not checked
-    int l, t, w, h;
-};
+// caption: the label's caption or the text box's text; null: not checked
+struct Shown { const char* ctl; const char* caption; int l, t, w, h; };
 using Panel = std::vector<Shown>;
 
 Panel operator+(Panel a, const Panel& b) { return a.insert(a.end(), b.begin(), b.end()), a; }
@@ -309,12 +306,7 @@ TEST_F(QuerySet, WindMaximumWarningAndAWindLayerWithoutItsField)
 namespace {
 
 // transmission and distance go to txtQuery1(1) and (2); refusal null: accepted; focus: the txtQuery1 taking it.
-struct Inputs {
-    const char *query, *min, *max, *transmission, *distance;
-    bool landUse;
-    const char* refusal;
-    int focus = -1;
-};
+struct Inputs { const char *query, *min, *max, *transmission, *distance; bool landUse; const char* refusal; int focus = -1; };
 
 const char* const W = "Wind by Power Density";
 const char* const R = "Best wind + roads";
