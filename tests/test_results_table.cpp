@@ -22,25 +22,19 @@ void activate(FrmShowQueryData& form)
 std::tuple<int, QString, QString> row(const FrmShowQueryData& f, int i)
 { return {f.shpLayerColor[i]->FillColor(), f.lblArea[i]->text(), f.lblDescription[i]->text()}; }
 
-// Wind cells of different sizes, so that the sums per colour are told apart:
-// 1 km2 for 200, 2 km2 for 250, 4 km2 for 800, 1234.5 km2 for 1000 (a long strip).
-FrmMain& windRun(const std::string& name)
+}  // namespace
+
+TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrenceWithSentencesAndFailuresUntilTheWindowCloses)
 {
-    const std::string dir = testsupport::tempDir(name);
+    // Wind cells of different sizes, so that the sums per colour are told apart:
+    // 1 km2 for 200, 2 km2 for 250, 4 km2 for 800, 1234.5 km2 for 1000 (a long strip).
+    const std::string dir = testsupport::tempDir("table-wind");
     writePolygons(dir, "20_wind.shp", "WINDPWRD",
                   {{rect(0, 0, 1000, 1000), 200}, {rect(0, 5000, 2000, 1000), 250}, {rect(0, 10000, 2000, 2000), 800},
                    {rect(0, 20000, 1234500, 1000), 1000}, {rect(0, 30000, 1000, 1000), 150}});
     writeCity(dir);
     FrmMain& f = panel(dir, kWindQuery, "200", "Max");
     f.cmdUpdateMap->click();
-    return f;
-}
-
-}  // namespace
-
-TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrenceWithTheirSentencesAndFailures)
-{
-    FrmMain& f = windRun("table-wind");
     ASSERT_TRUE(Visible(f.cmdShowData));
     f.cmdShowData->click();
     QCoreApplication::processEvents();
@@ -92,12 +86,38 @@ TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrenceWithTheirSen
     EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.UpdateQueryDataForm()"}));
     EXPECT_FALSE(QueryDataTable());
 
+    // A later result of one colour rewrites row 0 only.
+    setRange(f, "800", "Max");
+    f.cmdUpdateMap->click();
+    activate(form);
+    EXPECT_EQ(row(form, 0), std::tuple(RGB(0, 0, 255), QString("1,238.50 sq km"), QString("Wind Power Density >= 800")));
+    EXPECT_TRUE(Visible(form.lblArea[1]) && form.lblArea[1]->text() == "1,238.50 sq km");
+
+    // An empty result changes no row and says nothing.
+    setRange(f, "5000", "Max");
+    f.cmdUpdateMap->click();
+    testsupport::recorder().clear();
+    activate(form);
+    EXPECT_EQ(QStringList(form.lblArea[0]->text()) << boxes(), QStringList({"1,238.50 sq km"}));
+
     // Queries without a class sentence.
     f.cboSelectQuery->Clear(), f.cboSelectQuery->AddItem("Best solar off-grid systems"), f.cboSelectQuery->setCurrentIndex(0);
     QStringList empty{CreateAreaDescription(RGB(0, 0, 255))};
     f.cboSelectQuery->setItemText(0, "No Query (Base Map)");
     testsupport::recorder().clear();
     EXPECT_EQ(empty << CreateAreaDescription(RGB(0, 0, 255)) << boxes(), QStringList({"", ""}));
+
+    // Closing hides every row; the next window starts clean, and goes with the main window.
+    form.close();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(frmShowQueryDataExists());
+    FrmShowQueryData& next = frmShowQueryData();
+    for (int i = 0; i < kQueryDataRows; ++i)
+        EXPECT_FALSE(Visible(next.shpLayerColor[i]) || Visible(next.lblArea[i]) || Visible(next.lblDescription[i])) << i;
+    EXPECT_EQ(next.shpLayerColor[0]->FillColor(), 255);
+    next.show();
+    unloadFrmMain();
+    EXPECT_TRUE(!frmShowQueryDataExists() && boxes().isEmpty());
 }
 
 TEST(ResultsTable, SolarRowsHaveOneDecimalNoAndAndAThickBorderAndOnlyFourteenShowWithAWarningAtEachActivation)
@@ -125,38 +145,4 @@ TEST(ResultsTable, SolarRowsHaveOneDecimalNoAndAndAThickBorderAndOnlyFourteenSho
     // A colour the renderer does not know stays blank for solar.
     testsupport::recorder().clear();
     EXPECT_EQ(QStringList(CreateAreaDescription(RGB(1, 2, 3))) << boxes(), QStringList({""}));
-}
-
-TEST(ResultsTable, RowsAreOnlyFilledUntilTheWindowCloses)
-{
-    FrmMain& f = windRun("table-stale");
-    FrmShowQueryData& form = frmShowQueryData();
-    form.show();
-    activate(form);
-    ASSERT_TRUE(Visible(form.lblArea[1]));
-
-    // A later result of one colour rewrites row 0 only.
-    setRange(f, "800", "Max");
-    f.cmdUpdateMap->click();
-    activate(form);
-    EXPECT_EQ(row(form, 0), std::tuple(RGB(0, 0, 255), QString("1,238.50 sq km"), QString("Wind Power Density >= 800")));
-    EXPECT_TRUE(Visible(form.lblArea[1]) && form.lblArea[1]->text() == "1,238.50 sq km");
-
-    // An empty result changes no row and says nothing.
-    setRange(f, "5000", "Max");
-    f.cmdUpdateMap->click();
-    activate(form);
-    EXPECT_EQ(QStringList(form.lblArea[0]->text()) << boxes(), QStringList({"1,238.50 sq km"}));
-
-    // Closing hides every row; the next window starts clean, and goes with the main window.
-    form.close();
-    QCoreApplication::processEvents();
-    EXPECT_FALSE(frmShowQueryDataExists());
-    FrmShowQueryData& next = frmShowQueryData();
-    for (int i = 0; i < kQueryDataRows; ++i)
-        EXPECT_FALSE(Visible(next.shpLayerColor[i]) || Visible(next.lblArea[i]) || Visible(next.lblDescription[i])) << i;
-    EXPECT_EQ(next.shpLayerColor[0]->FillColor(), 255);
-    next.show();
-    unloadFrmMain();
-    EXPECT_TRUE(!frmShowQueryDataExists() && boxes().isEmpty());
 }
