@@ -82,7 +82,7 @@ protected:
 
 }  // namespace
 
-TEST_F(QuerySet, WithoutADatasetTheListHoldsEveryQueryRefusesWindQueriesSilentlyAndMatchesLayerTags)
+TEST_F(QuerySet, WithoutADatasetTheListHoldsEveryQueryRefusesWindQueriesSilentlyThenRequiredFilesAndTheirMessages)
 {
     EXPECT_EQ(items(f->cboSelectQuery), kQueries);
     // No wind layer indexed: the fill fails and says where.
@@ -105,10 +105,8 @@ TEST_F(QuerySet, WithoutADatasetTheListHoldsEveryQueryRefusesWindQueriesSilently
     f->Map1->Layers().Add(layer);
     EXPECT_TRUE(isLayerExist(" 20_Wind.shp", message) && message.isEmpty());
     EXPECT_FALSE(isLayerExist("21_wind.shp", message) || message != "This query requires 21_wind.shp shapefile.");
-}
 
-TEST_F(QuerySet, RequiredFilesAndTheirMessages)
-{
+    // The files each query requires, and their messages.
     // message: what the caller's "before" has become; a file name stands for the request of it
     struct Case { std::set<std::string> omit; const char* query; bool possible; const char* message; };
     const Case cases[] = {
@@ -227,7 +225,7 @@ void checkPanel(FrmMain& f, const QString& query)
 
 }  // namespace
 
-TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFileAndTheLayersOfEachResource)
+TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFileTheLayersOfEachResourceAndTheWindMaximumWarning)
 {
     loadDataset("only-16", Content{.files = {"16_solar_tilt.shp"}});
     // Breaks of the layer's own renderer decide, rounded to one decimal.
@@ -263,10 +261,8 @@ TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFileAndTheLayersOfEachResource)
                                                          cLayerIndex->Item("17_solar_direct.shp")));
     EXPECT_EQ(GetSolarResourceLayerID("10 km Solar PV Annual Average(KWH/M2/DAY)"), cLayerIndex->Item("16_solar_tilt.shp"));
     EXPECT_EQ(GetSolarResourceLayerID("10 KM Solar PV Annual Average(KWH/M2/DAY)") + GetSolarResourceLayerID("nothing"), 0);
-}
 
-TEST_F(QuerySet, WindMaximumWarningAndAWindLayerWithoutItsField)
-{
+    // The wind maximum warning, and a wind layer without its field.
     auto warning = [](const QString& m) {
         return "The query results will be shown in light gray. Maximum Wind Power Density (" + m +
                ") is less than 200. So you may not get proper rendering in the output map. You will have to type in a "
