@@ -90,7 +90,7 @@ protected:
     FrmMain* main = nullptr;
 };
 
-TEST_F(Print, WindowDesignScaleBarLookPageGeometryAtSeveralResolutionsAndCancel)
+TEST_F(Print, WindowDesignScaleBarLookPageGeometryPdfWithoutAPrinterAndCancel)
 {
     main->mnuPrint_Click();
     EXPECT_FALSE(frmPrintExists()) << "the menu needs layers";
@@ -161,6 +161,30 @@ TEST_F(Print, WindowDesignScaleBarLookPageGeometryAtSeveralResolutionsAndCancel)
                 << name << ": " << r.left() << " " << r.top() << " " << r.width() << " " << r.height();
         }
     }
+
+    // Without a printer the page goes to a PDF in the documents folder.
+    const std::pair<QString, QString> names[] = {
+        {"", "map.pdf"},           {"   ", "map.pdf"},          {"Wind sites", "Wind sites.pdf"},
+        {"a/b:c?", "a_b_c_.pdf"},  {" Site 4...", "Site 4.pdf"}, {"<\"x|y\">*", "__x_y___.pdf"},
+    };
+    for (const auto& [heading, file] : names) EXPECT_EQ(PdfFileNameForHeading(heading), file) << heading.toStdString();
+
+    const QString home = q(testsupport::tempDir("home"));
+    const QByteArray oldHome = qgetenv("HOME"), oldConfig = qgetenv("XDG_CONFIG_HOME");
+    qputenv("HOME", home.toUtf8()), qputenv("XDG_CONFIG_HOME", (home + "/config").toUtf8());
+    f.txtHeading->setText("Sites: north");
+    f.printTarget = [&f] { return MakeDefaultPrintTarget(f.txtHeading->text(), false); };
+    // The same heading again takes the next free name: no page replaces another.
+    QStringList expected;
+    for (const char* file : {"Sites_ north.pdf", "Sites_ north (2).pdf", "Sites_ north (3).pdf"}) {
+        EXPECT_TRUE((f.cmdPrint_Click(), f.lastPrintSucceeded));
+        expected << "No printer is installed. The map was printed to the file " + QDir(home).filePath("Documents/") + file;
+        EXPECT_TRUE(QFileInfo(expected.back().section("file ", 1)).isFile());
+    }
+    qputenv("HOME", oldHome);
+    if (oldConfig.isNull()) qunsetenv("XDG_CONFIG_HOME"); else qputenv("XDG_CONFIG_HOME", oldConfig);
+    EXPECT_EQ(recorder().texts(), expected);
+    recorder().clear();
 
     QPointer<FrmPrint> form(&f);
     f.Command2->click();
@@ -277,32 +301,6 @@ TEST_F(Print, ScaleBarUnitFromTheTopLayerAndWhatItsFailuresLeaveOut)
     g.setupScalebar();
     EXPECT_EQ(recorder().texts(), QStringList({"stdole.StdFont  is not installed. Scale bar will not be printed"}));
     EXPECT_TRUE(g.sbMapView->Divisions() == 7 && g.sbMapView->MapExtent().Right != 0) << "the extents come before the font";
-}
-
-TEST_F(Print, WithoutAPrinterThePageGoesToAPdfInTheDocumentsFolder)
-{
-    const std::pair<QString, QString> names[] = {
-        {"", "map.pdf"},           {"   ", "map.pdf"},          {"Wind sites", "Wind sites.pdf"},
-        {"a/b:c?", "a_b_c_.pdf"},  {" Site 4...", "Site 4.pdf"}, {"<\"x|y\">*", "__x_y___.pdf"},
-    };
-    for (const auto& [heading, file] : names) EXPECT_EQ(PdfFileNameForHeading(heading), file) << heading.toStdString();
-
-    const QString home = q(testsupport::tempDir("home"));
-    const QByteArray oldHome = qgetenv("HOME"), oldConfig = qgetenv("XDG_CONFIG_HOME");
-    qputenv("HOME", home.toUtf8()), qputenv("XDG_CONFIG_HOME", (home + "/config").toUtf8());
-    FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
-    f.txtHeading->setText("Sites: north");
-    f.printTarget = [&f] { return MakeDefaultPrintTarget(f.txtHeading->text(), false); };
-    // The same heading again takes the next free name: no page replaces another.
-    QStringList expected;
-    for (const char* file : {"Sites_ north.pdf", "Sites_ north (2).pdf", "Sites_ north (3).pdf"}) {
-        EXPECT_TRUE((f.cmdPrint_Click(), f.lastPrintSucceeded));
-        expected << "No printer is installed. The map was printed to the file " + QDir(home).filePath("Documents/") + file;
-        EXPECT_TRUE(QFileInfo(expected.back().section("file ", 1)).isFile());
-    }
-    qputenv("HOME", oldHome);
-    if (oldConfig.isNull()) qunsetenv("XDG_CONFIG_HOME"); else qputenv("XDG_CONFIG_HOME", oldConfig);
-    EXPECT_EQ(recorder().texts(), expected);
 }
 
 // The whole page as a person sees it: the result in its class colours on the preview and on the page's map (also when the
