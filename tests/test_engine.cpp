@@ -278,8 +278,7 @@ TEST(ResultModel, ResultsDrawingDispatchAndAppendFollowTheFlagsAndKeysAndExpress
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.min) + " / " + c.max);
-        testsupport::recorder().clear();
-        setRange(f, c.min, c.max);
+        testsupport::recorder().clear(), setRange(f, c.min, c.max);
         EXPECT_EQ(c.solar ? CreateSolarSelectExpression() : CreateWindSelectExpression(), c.expression);
         const QString failure = QString(" Error Source:md_query_functions2.Create%1SelectExpression()")
                                     .arg(c.solar ? "Solar" : "Wind");

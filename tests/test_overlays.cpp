@@ -210,22 +210,6 @@ TEST(LandUse, AFailingCutRepeatsThePreviousPiece)
 
 // ------------------------------------------------------------ line buffers
 
-TEST(LineBuffers, AStraightRoadAndItsBufferCutTheWindPolygons)
-{
-    loaded(dataset("roads", {.wind = {{rect(1000, 0, 1000, 1000), 500},       // inside the buffer: whole
-                                      {rect(3000, 1000, 1000, 1000), 800},    // half inside
-                                      {bowtie(5000, 500, 1000), 600},         // fails: the previous piece again
-                                      {rect(7000, 5000, 1000, 1000), 450}},   // out of reach
-                             .roads = {"LINESTRING(0 0, 10000 0)"}}),
-           {.distance2 = "1.5"});
-    fill_cShapes_collection(kRoads);
-
-    expectResults({{1e6, kClass500}, {5e5, kClass800}, {5e5, kClass600}});
-    EXPECT_EQ(cShapes->Item("2"), cShapes->Item("1"));
-    // A layer of one record: the buffer comes without a record text.
-    EXPECT_EQ(progress().texts, overlaying("Overlaying...", {"0.0", "25.0", "50.0", "75.0"}));
-}
-
 // Below 400 records every buffer counts without a question; from 400 the batches of a first tier leave a record out each,
 // and a second tier leaves every eleventh batch out. With 1300 records: twelve full batches of the first tier; the open one
 // (records 1214 to 1300) starts the first group, batch 11 (records 1012 to 1111) closes it unused, and batch 12 starts the
@@ -262,8 +246,21 @@ TEST(LineBuffers, TheTiersLeaveRecordsOut)
     }
 }
 
-TEST(LineBuffers, TheAnswerNoAndCancelInTheFirstTierLeaveNoResultAndASecondNoStopsAfterTheRoads)
+TEST(LineBuffers, AStraightRoadsBufferCutsTheWindPolygonsTheAnswerNoAndCancelLeaveNoResultAndASecondNoStopsAfterTheRoads)
 {
+    loaded(dataset("roads", {.wind = {{rect(1000, 0, 1000, 1000), 500},       // inside the buffer: whole
+                                      {rect(3000, 1000, 1000, 1000), 800},    // half inside
+                                      {bowtie(5000, 500, 1000), 600},         // fails: the previous piece again
+                                      {rect(7000, 5000, 1000, 1000), 450}},   // out of reach
+                             .roads = {"LINESTRING(0 0, 10000 0)"}}),
+           {.distance2 = "1.5"});
+    fill_cShapes_collection(kRoads);
+
+    expectResults({{1e6, kClass500}, {5e5, kClass800}, {5e5, kClass600}});
+    EXPECT_EQ(cShapes->Item("2"), cShapes->Item("1"));
+    // A layer of one record: the buffer comes without a record text.
+    EXPECT_EQ(progress().texts, overlaying("Overlaying...", {"0.0", "25.0", "50.0", "75.0"}));
+
     FrmMain& f = loaded(dataset("roads-no", {.wind = kOneWind, .roads = shortSegments(400)}));
     // The previous run's values stay, as the worker never starts.
     cFieldValues = std::make_shared<Collection<QVariant>>(), sFieldName = "ANNGLO";

@@ -172,34 +172,7 @@ TEST_F(SaveTest, ResultReadsBackWithItsGeometriesValuesAndTheProjectionOfItsLaye
     }
 }
 
-TEST_F(SaveTest, AskFirstAboveFiftyFeatures)
-{
-    struct Case { int count; bool asked; seam::Answer answer; bool written; };
-    const Case cases[] = {
-        {50, false, seam::Answer::No, true}, {51, true, seam::Answer::No, false}, {51, true, seam::Answer::Yes, true},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.count);
-        recorder().clear();
-        std::vector<ShapePtr> shapes;
-        for (int i = 0; i < c.count; ++i) shapes.push_back(square(1000.0 * i, 0, 100 + i));
-        setResult(shapes, "WINDPWRD", std::vector<double>(size_t(c.count), 200.0));
-        recorder().answers.push_back(c.answer);
-        const std::string out = "n" + std::to_string(&c - cases) + ".shp";
-        saveAs(out);
-
-        const QString ask = "It may take few minutes to save " + QString::number(c.count) + " features. Do you want to continue? ";
-        EXPECT_EQ(recorder().texts(), c.asked ? QStringList{ask} : QStringList{});
-        if (c.asked) EXPECT_EQ(recorder().boxes.at(0).buttons, seam::Buttons::YesNo);
-        // No dialog at all after a No.
-        EXPECT_EQ(recorder().fileRequests.size(), c.written ? 1u : 0u);
-        const Saved s = readBack(dir + "/" + out);
-        EXPECT_EQ(s.opened, c.written);
-        if (c.written) EXPECT_EQ(int(s.values.size()), c.count);
-    }
-}
-
-TEST_F(SaveTest, SilentStopsWriteNothingAndATitleEarlierInThePathCutsTheDirectoryShort)
+TEST_F(SaveTest, SilentStopsWriteNothingATitleEarlierInThePathCutsTheDirectoryShortAndAboveFiftyFeaturesItAsks)
 {
     // No query yet, an empty result.
     saveAs("x.shp");
@@ -229,6 +202,31 @@ TEST_F(SaveTest, SilentStopsWriteNothingAndATitleEarlierInThePathCutsTheDirector
     // Another four-character ending is cut like ".shp".
     saveAs("plain.txt");
     EXPECT_EQ(readBack(dir + "/plain.shp").values, std::vector<double>{300});
+
+    // Above fifty features the save asks first.
+    struct Case { int count; bool asked; seam::Answer answer; bool written; };
+    const Case cases[] = {
+        {50, false, seam::Answer::No, true}, {51, true, seam::Answer::No, false}, {51, true, seam::Answer::Yes, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.count);
+        recorder().clear();
+        std::vector<ShapePtr> shapes;
+        for (int i = 0; i < c.count; ++i) shapes.push_back(square(1000.0 * i, 0, 100 + i));
+        setResult(shapes, "WINDPWRD", std::vector<double>(size_t(c.count), 200.0));
+        recorder().answers.push_back(c.answer);
+        const std::string out = "n" + std::to_string(&c - cases) + ".shp";
+        saveAs(out);
+
+        const QString ask = "It may take few minutes to save " + QString::number(c.count) + " features. Do you want to continue? ";
+        EXPECT_EQ(recorder().texts(), c.asked ? QStringList{ask} : QStringList{});
+        if (c.asked) EXPECT_EQ(recorder().boxes.at(0).buttons, seam::Buttons::YesNo);
+        // No dialog at all after a No.
+        EXPECT_EQ(recorder().fileRequests.size(), c.written ? 1u : 0u);
+        const Saved s = readBack(dir + "/" + out);
+        EXPECT_EQ(s.opened, c.written);
+        if (c.written) EXPECT_EQ(int(s.values.size()), c.count);
+    }
 }
 
 TEST_F(SaveTest, ReplacesAnExistingSetAsAWholeAndUnwritableTargetsEndWithTheFailureText)
