@@ -43,7 +43,7 @@ void expectIdle(FrmMain& f)
 
 }  // namespace
 
-TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedEmptyAndFailedRunsAndSolarRefusalsFirst)
+TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedEmptyFailedAndCancelledRunsAndSolarRefusalsFirst)
 {
     const std::string dir = windDataset("wind-run");
     FrmMain& f = panel(dir, kWindQuery, "200", "Max");
@@ -112,42 +112,38 @@ TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedEmptyAndFailedRunsA
     fill_cShapes_collection("Best solar off-grid systems");
     EXPECT_EQ(boxes(), QStringList({" Error Source:md_query_functions2.best_solar_off_grid_systems()"}));
     EXPECT_TRUE(cShapes->Count() == 0 && !bQueryRunning);
-}
 
-TEST(QueryRun, CancelServedInsideAYieldKeepsThePartialResult)
-{
-    FrmMain& f = panel(windDataset("wind-cancel", std::vector<double>(120, 500)), kWindQuery, "200", "Max");
-
-    // The press of Cancel arrives while record 10 is shown, and is served at the next yield, at record 50.
+    // On a longer run, the press of Cancel arrives while record 10 is shown, and is served at the next yield, at record 50.
+    FrmMain& h = panel(windDataset("wind-cancel", std::vector<double>(120, 500)), kWindQuery, "200", "Max");
     QString captionAtCancel;
-    ProgressLog log;
+    log.texts.clear();
     log.also = [&](const QString& t) {
         if (!captionAtCancel.isNull() || t != "Calculating... 8.3% finished") return;
         captionAtCancel = "";
         QMetaObject::invokeMethod(
-            &f, [&] { captionAtCancel = f.cmdUpdateMap->text(); f.cmdUpdateMap->click(); }, Qt::QueuedConnection);
+            &h, [&] { captionAtCancel = h.cmdUpdateMap->text(); h.cmdUpdateMap->click(); }, Qt::QueuedConnection);
     };
-    f.cmdUpdateMap->click();
+    h.cmdUpdateMap->click();
     EXPECT_TRUE(captionAtCancel == "Cancel" && bCancelQuery);
     EXPECT_EQ(QList<int>({cShapes->Count(), cSymbols->Count(), cFieldValues->Count()}), QList<int>({50, 50, 50}));
     ASSERT_FALSE(log.texts.isEmpty());
     EXPECT_EQ(log.texts.last(), "Calculating... 40.8% finished");  // record 49 of 120
-    EXPECT_FALSE(Visible(f.cmdShowData));
-    expectIdle(f);
+    EXPECT_FALSE(Visible(h.cmdShowData));
+    expectIdle(h);
 
     // The next press clears the flag before anything else, even when its input is refused.
     auto partial = cShapes;
-    f.cboQueryDropDown->setText("abc");
-    f.cmdUpdateMap->click();
+    h.cboQueryDropDown->setText("abc");
+    h.cmdUpdateMap->click();
     EXPECT_TRUE(!bCancelQuery && cShapes == partial);
-    EXPECT_EQ(f.lblWorking->text(), "Please enter a numeric value for Min. Wind Power Density");
+    EXPECT_EQ(h.lblWorking->text(), "Please enter a numeric value for Min. Wind Power Density");
 
     // Cancel pressed before the first yield leaves nothing.
-    f.cboQueryDropDown->setText("200");
+    h.cboQueryDropDown->setText("200");
     log.also = {};
     log.texts.clear();
-    QMetaObject::invokeMethod(&f, [&f] { f.cmdUpdateMap->click(); }, Qt::QueuedConnection);
-    f.cmdUpdateMap->click();
+    QMetaObject::invokeMethod(&h, [&h] { h.cmdUpdateMap->click(); }, Qt::QueuedConnection);
+    h.cmdUpdateMap->click();
     EXPECT_TRUE(bCancelQuery && cShapes->Count() == 0);
     EXPECT_EQ(log.texts, QStringList({"Calculating..."}));
 }
