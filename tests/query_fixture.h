@@ -72,20 +72,11 @@ inline std::vector<Poly> windRow(const std::vector<double>& values, double y = 0
     return out;
 }
 
+// Loads a directory as if a file in it had been picked.
 inline void load(FrmMain& f, const std::string& dir)
 {
-    const QStringList files = QDir(QString::fromStdString(dir)).entryList({"*.shp"}, QDir::Files, QDir::Name);
-    const QString title = files.isEmpty() ? QStringLiteral("20_wind.shp") : files.first();
-    LoadProject(title, QString::fromStdString(dir) + "/" + title, f.Map1, f.legend);
+    LoadProject("picked.shp", QString::fromStdString(dir) + "/picked.shp", f.Map1, f.legend);
     testsupport::recorder().clear();
-}
-
-// Chooses an entry of a list the way a user does, raising its Click.
-inline void pick(ComboBox* box, const QString& name)
-{
-    const int i = box->findText(name);
-    if (i < 0) ADD_FAILURE() << "no entry " << name.toStdString();
-    else box->setListIndex(i);
 }
 
 inline void setRange(FrmMain& f, const QString& min, const QString& max)
@@ -101,13 +92,16 @@ struct ProgressLog {
 
 inline int colorAt(const QString& key) { return cSymbols->Item(key)->Color; }
 
-}  // namespace qf
+// Parallel segments 10 m long and 10 m apart: with a buffer of 1 m no two
+// buffers meet, so the area of the union counts the records in it.
+inline std::vector<std::string> shortSegments(int count, double y = 0)
+{
+    std::vector<std::string> out;
+    for (int i = 0; i < count; ++i) out.push_back(QString("LINESTRING(%1 %2,%1 %3)").arg(10 * i).arg(y).arg(y + 10).toStdString());
+    return out;
+}
 
-// The range queries set up as a user would; apart from qf so that names cannot clash in files using only qf.
-namespace qrun {
-
-using namespace qf;
-
+// The range queries set up as a user would.
 inline const QString kWindQuery = QStringLiteral("Wind by Power Density");
 inline const QString kSolarQuery = QStringLiteral("Best Solar X kWh/m2/day");
 inline const QString kGlobal10 = QStringLiteral("10 km Solar Global Horizontal Annual Average(KWH/M2/DAY)");
@@ -131,11 +125,13 @@ inline FrmMain& panel(const std::string& dir, const QString& query, const QStrin
 {
     FrmMain& f = freshMain();
     load(f, dir);
-    pick(f.cboSelectQuery, query);
-    if (!resource.isEmpty()) pick(f.cboQueryDropDown3, resource);
+    f.cboSelectQuery->setListIndex(f.cboSelectQuery->findText(query));  // as the user chooses, raising its Click
+    if (!resource.isEmpty()) f.cboQueryDropDown3->setListIndex(f.cboQueryDropDown3->findText(resource));
     if (!min.isNull()) setRange(f, min, max);
     testsupport::recorder().clear();
     return f;
 }
 
-}  // namespace qrun
+}  // namespace qf
+
+namespace qrun = qf;

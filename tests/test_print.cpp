@@ -14,6 +14,7 @@
 #include "mapping/scalebar.h"
 #include "presentation/renderers.h"
 #include "print/frmPrint.h"
+#include "query_fixture.h"
 
 using namespace fixture;
 using testsupport::recorder;
@@ -22,8 +23,6 @@ namespace {
 
 const QString kSolarTitle = "ANNUAL AVERAGE SOLAR RESOURCES (KWH/M2/DAY)";
 const QString kPrintFailed = " Error in cmdPrint_Click function. Error Source:frmPrint. cmdPrint_Click()";
-const QString kScalebarFailed = " Error in setUpScalebar function. Error Source:frmPrint.setupScalebar()";
-const QString kFormLoadFailed = " Error in Form_Load function. Error Source:frmPrint.Form_Load()";
 
 // A generated dataset holding only the given standard files.
 QString datasetOnly(const std::set<std::string>& keep)
@@ -76,11 +75,10 @@ protected:
     // A lone cities layer with the given projection text ("" for no .prj file).
     FrmPrint& openOnCities(const std::string& name, const std::string& prj)
     {
-        const QString dir = q(testsupport::tempDir("unit-" + name));
-        writeFeatures(QDir(dir).filePath("59_cities.shp").toStdString(), 3, datagen::GeomKind::Point, false);
-        QFile file(QDir(dir).filePath("59_cities.prj"));
-        if (!prj.empty()) file.open(QIODevice::WriteOnly), file.write(QByteArray::fromStdString(prj)), file.close();
-        return openOn(dir, true);
+        const std::string dir = testsupport::tempDir("unit-" + name);
+        writeFeatures(dir + "/59_cities.shp", 3, datagen::GeomKind::Point, false);
+        if (QFile file(q(dir + "/59_cities.prj")); !prj.empty() && file.open(QIODevice::WriteOnly)) file.write(QByteArray::fromStdString(prj));
+        return openOn(q(dir), true);
     }
 
     bool printTo(FrmPrint& f, const QString& path, int dpi)
@@ -92,7 +90,7 @@ protected:
     FrmMain* main = nullptr;
 };
 
-TEST_F(Print, WindowDesignMenuAndCancel)
+TEST_F(Print, WindowDesignScaleBarLookPageGeometryPdfWithoutAPrinterAndCancel)
 {
     main->mnuPrint_Click();
     EXPECT_FALSE(frmPrintExists()) << "the menu needs layers";
@@ -112,96 +110,7 @@ TEST_F(Print, WindowDesignMenuAndCancel)
     EXPECT_TRUE(f.txtHeading->text().isEmpty() && f.txtHeading->maxLength() == 50 && (f.txtHeading->alignment() & Qt::AlignHCenter) &&
                 f.txtHeading->font().bold());
 
-    QPointer<FrmPrint> form(&f);
-    f.Command2->click();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_TRUE(!frmPrintExists() && form.isNull());
-    EXPECT_NO_BOXES();
-}
-
-// The theme maps take the main map's layers by theme and follow its top
-// layer's visibility; without wind, the first solar layer met from below goes
-// to the legend, under one title. A standard layer with no theme, such as
-// 21_wind.shp, is in the preview only.
-TEST_F(Print, ThemeMapsSplitTheMainMapsLayersAndFollowItsTopLayer)
-{
-    QStringList all3;  // every standard file from 30 up, the top first
-    for (const std::string& file : datagen::standardFiles()) if (file >= "30") all3.prepend(q(file));
-    struct Case { const char* what; QString dir; bool topVisible; QStringList map3, map5, map6; bool flag; };
-    const QString full = q(testsupport::dataset());
-    const QStringList fullMap5 = {"02_landuse.shp", "01_elevation.shp"}, fullMap6 = {"20_wind.shp", "11_solar_direct.shp"};
-    const Case cases[] = {
-        {"top layer shown", full, true, all3, fullMap5, fullMap6, true},
-        {"top layer hidden", full, false, all3, fullMap5, fullMap6, true},
-        {"two solar layers, no wind", datasetOnly({"43_roads.shp", "14_solar_glo.shp", "16_solar_tilt.shp"}), true,
-         {"43_roads.shp"}, {}, {"14_solar_glo.shp"}, true},
-        {"neither solar nor wind", datasetOnly({"43_roads.shp", "21_wind.shp", "01_elevation.shp"}), true,
-         {"43_roads.shp"}, {"01_elevation.shp"}, {}, false},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        FrmPrint& f = openOn(c.dir, true, [&](Map* m) {
-            m->Layers().Item(0)->Visible = c.topVisible;
-            m->Layers().Item(m->Layers().Count() - 1)->Visible = !c.topVisible;
-        });
-        EXPECT_NO_BOXES();
-        Map* map1 = main->Map1;
-        // The preview has the main map's layers in its order, built anew, each
-        // with its own visibility.
-        ASSERT_EQ(tags(f.Map2), tags(map1));
-        for (int i = 0; i < map1->Layers().Count(); ++i) {
-            const MapLayerPtr a = f.Map2->Layers().Item(i), b = map1->Layers().Item(i);
-            EXPECT_TRUE(a != b && a->Visible == b->Visible && a->Name == b->Name) << i;
-        }
-        EXPECT_EQ(QList({filesOf(f.Map3), filesOf(f.Map5), filesOf(f.Map6)}), QList({c.map3, c.map5, c.map6}));
-        for (const MapLayerPtr& l : f.Map6->Layers())
-            EXPECT_EQ(l->Name, filesOf(f.Map6).size() == 2 && l == f.Map6->Layers().Item(0) ? "Wind Power Density (W/m2)" : kSolarTitle);
-        EXPECT_TRUE(f.Map4->Layers().Count() == 0 && f.bSolarOrWindInLegend == c.flag);
-        for (Map* m : {f.Map3, f.Map5, f.Map6})
-            for (const MapLayerPtr& l : m->Layers()) EXPECT_TRUE(l->Visible == c.topVisible && l->Tag.isEmpty());
-    }
-    const QImage empty(programFile("LegendBmp4.bmp"));  // of the last case, without solar or wind
-    ASSERT_FALSE(empty.isNull());
-    EXPECT_EQ(countColour(empty, empty.rect(), Qt::white, 0), empty.width() * empty.height());
-}
-
-TEST_F(Print, LegendBitmapsAreWrittenBesideTheProgramAndShownInThePictureBoxes)
-{
-    for (const char* f : {"LegendBmp1.bmp", "LegendBmp3.bmp", "LegendBmp4.bmp"}) QFile::remove(programFile(f));
-    FrmPrint& f = openOn(q(testsupport::dataset()));
-    EXPECT_NO_BOXES();
-    for (const auto& [file, box] : {std::pair{"LegendBmp1.bmp", f.Picture1}, {"LegendBmp3.bmp", f.Picture3}, {"LegendBmp4.bmp", f.Picture4}}) {
-        SCOPED_TRACE(file);
-        QImage onDisk(programFile(file));
-        ASSERT_FALSE(onDisk.isNull());
-        EXPECT_EQ(box->Picture().convertToFormat(QImage::Format_RGB32), onDisk.convertToFormat(QImage::Format_RGB32));
-        EXPECT_GT(countColour(onDisk, onDisk.rect(), Qt::black, 127), 50) << "a legend with entries is not blank";
-    }
-
-    // The next opening overwrites them.
-    UnloadFrmPrint();
-    if (QFile spoilt(programFile("LegendBmp3.bmp")); !spoilt.open(QIODevice::WriteOnly | QIODevice::Truncate) || spoilt.write("no bitmap") < 0) FAIL();
-    frmMain().mnuPrint_Click();
-    EXPECT_FALSE(QImage(programFile("LegendBmp3.bmp")).isNull() || frmPrint().Picture3->Picture().isNull());
-
-    // One that cannot be written ends the load with its message; the window
-    // opens all the same, without the pictures that are loaded after all three files.
-    UnloadFrmPrint(), recorder().clear();
-    QFile::remove(programFile("LegendBmp3.bmp"));
-    ASSERT_TRUE(QDir().mkpath(programFile("LegendBmp3.bmp")));  // a directory where the file should go
-    frmMain().mnuPrint_Click();
-    QDir(programFile("LegendBmp3.bmp")).removeRecursively();
-    EXPECT_EQ(recorder().texts(), QStringList({kFormLoadFailed}));
-    EXPECT_TRUE(frmPrint().Picture1->Picture().isNull() && frmPrint().isVisible());
-}
-
-
-// The scale bar: the preview's extents, the fixed look, the unit code from
-// the upper-cased unit name of the top layer, and what its failures leave out.
-TEST_F(Print, ScaleBarIsSetUpFromThePreviewAndTheTopLayersUnit)
-{
-    FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
-    EXPECT_NO_BOXES();
+    // The scale bar takes the preview's extents and a fixed look.
     const ScaleBar& sb = *f.sbMapView;
     const RectanglePtr e = f.Map2->Extent();
     auto ltrb = [](const ScaleBar::Extent& x) { return std::array{x.Left, x.Top, x.Right, x.Bottom}; };
@@ -213,41 +122,9 @@ TEST_F(Print, ScaleBarIsSetUpFromThePreviewAndTheTopLayersUnit)
                                    double(sb.BarWidthRatio()), double(sb.LabelMode()), double(sb.layout().valid)}),
               (std::vector<double>{1, 0xFFFFFF, 0x808080, 0xFFC0C0, 3, 8, ScaleBar::Meters, 0.6f, 3, 1}));
 
-    const std::string geo = "GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\",6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],";
-    auto projected = [&](const std::string& unit) {
-        return "PROJCS[\"Local_TM\"," + geo + "UNIT[\"Degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],"
-               "PARAMETER[\"Central_Meridian\",12.0],PARAMETER[\"Scale_Factor\",0.9996],UNIT[\"" + unit + "\",0.3048]]";
-    };
-    struct Case { const char* what; std::string prj; int code; };
-    for (const Case& c : {Case{"Degree", geo + "UNIT[\"Degree\",0.0174532925199433]]", ScaleBar::Degrees},
-                          {"feet", projected("feet"), ScaleBar::Feet}, {"Foot_US", projected("Foot_US"), ScaleBar::Meters}}) {
-        EXPECT_TRUE(openOnCities(c.what, c.prj).sbMapView->MapUnits() == c.code && recorder().boxes.empty()) << c.what;
-    }
-
-    // The top layer without a projection file: the unit cannot be read, and
-    // the last settings are left out; the legends are made all the same.
-    FrmPrint& g = openOnCities("noprj", "");
-    EXPECT_EQ(recorder().texts(), QStringList({kScalebarFailed}));
-    const ScaleBar defaults;
-    EXPECT_EQ(g.sbMapView->Divisions(), 3) << "set before the unit is looked at";
-    EXPECT_EQ(std::pair(g.sbMapView->BarWidthRatio(), g.sbMapView->LabelMode()), std::pair(defaults.BarWidthRatio(), defaults.LabelMode()));
-    EXPECT_FALSE(g.Picture1->Picture().isNull());
-
-    // No font: a plain box, and nothing after the extents is set.
-    g.createFont = [] { return std::optional<QFont>(); };
-    g.sbMapView->setDivisions(7), g.sbMapView->setMapExtent(0, 0, 0, 0), recorder().clear();
-    g.setupScalebar();
-    EXPECT_EQ(recorder().texts(), QStringList({"stdole.StdFont  is not installed. Scale bar will not be printed"}));
-    EXPECT_TRUE(g.sbMapView->Divisions() == 7 && g.sbMapView->MapExtent().Right != 0) << "the extents come before the font";
-}
-
-// The page is laid out in 1/600 inch (an empty heading prints as well); x is
-// divided by a factor that keeps its fraction, y by a whole one (halves to even). At 1200 dpi and finer the
-// y factor rounds to 0: the print fails after the page was opened (and the
-// pictures taken), no page is sent, and the window stays usable.
-TEST_F(Print, PageGeometryAtSeveralResolutions)
-{
-    FrmPrint& f = openOn(datasetOnly({"43_roads.shp", "39_countryboundary.shp"}));
+    // The page is laid out in 1/600 inch (an empty heading prints as well); x is divided by a factor that keeps its
+    // fraction, y by a whole one (halves to even). At 1200 dpi and finer the y factor rounds to 0: the print fails
+    // after the page was opened (and the pictures taken), no page is sent, and the window stays usable.
     const QStringList order = {"Print", "OutputMap", "Line", "Heading", "Scalebar", "Picture1", "Picture4", "Picture3", "EndDoc"};
     const double p = std::nearbyint(4335 / TwipsPerPixel);  // the legend picture's height on the screen (289 at 15)
     struct Case { int dpi; double scaleX; int scaleY; std::vector<std::array<double, 4>> map, line, heading, picture4; };
@@ -284,10 +161,8 @@ TEST_F(Print, PageGeometryAtSeveralResolutions)
                 << name << ": " << r.left() << " " << r.top() << " " << r.width() << " " << r.height();
         }
     }
-}
 
-TEST_F(Print, WithoutAPrinterThePageGoesToAPdfInTheDocumentsFolder)
-{
+    // Without a printer the page goes to a PDF in the documents folder.
     const std::pair<QString, QString> names[] = {
         {"", "map.pdf"},           {"   ", "map.pdf"},          {"Wind sites", "Wind sites.pdf"},
         {"a/b:c?", "a_b_c_.pdf"},  {" Site 4...", "Site 4.pdf"}, {"<\"x|y\">*", "__x_y___.pdf"},
@@ -297,7 +172,6 @@ TEST_F(Print, WithoutAPrinterThePageGoesToAPdfInTheDocumentsFolder)
     const QString home = q(testsupport::tempDir("home"));
     const QByteArray oldHome = qgetenv("HOME"), oldConfig = qgetenv("XDG_CONFIG_HOME");
     qputenv("HOME", home.toUtf8()), qputenv("XDG_CONFIG_HOME", (home + "/config").toUtf8());
-    FrmPrint& f = openOn(datasetOnly({"43_roads.shp"}));
     f.txtHeading->setText("Sites: north");
     f.printTarget = [&f] { return MakeDefaultPrintTarget(f.txtHeading->text(), false); };
     // The same heading again takes the next free name: no page replaces another.
@@ -310,21 +184,127 @@ TEST_F(Print, WithoutAPrinterThePageGoesToAPdfInTheDocumentsFolder)
     qputenv("HOME", oldHome);
     if (oldConfig.isNull()) qunsetenv("XDG_CONFIG_HOME"); else qputenv("XDG_CONFIG_HOME", oldConfig);
     EXPECT_EQ(recorder().texts(), expected);
-}
+    recorder().clear();
 
-TEST_F(Print, ScreenConversionRoundsHalvesToEvenAndFailsOutsideSixteenBits)
-{
+    QPointer<FrmPrint> form(&f);
+    f.Command2->click();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(!frmPrintExists() && form.isNull());
+    EXPECT_NO_BOXES();
+
+    // Twips to pixels of the screen: halves to even, and a failure outside sixteen bits.
     const ScreenMetrics screen;
-    struct Case { double twips; int axis; int16_t pixels; };
-    for (const Case& c : {Case{4335, 1, 289}, {4335, 0, 289}, {22.5, 0, 2}, {37.5, 1, 2}, {52.5, 0, 4}, {4335, 2, -1}, {4335, -1, -1}})
+    struct Conv { double twips; int axis; int16_t pixels; };
+    for (const Conv& c : {Conv{4335, 1, 289}, {4335, 0, 289}, {22.5, 0, 2}, {37.5, 1, 2}, {52.5, 0, 4}, {4335, 2, -1}, {4335, -1, -1}})
         EXPECT_EQ(ConvTwips2Pix(screen, c.twips, c.axis), c.pixels) << c.twips << "/" << c.axis;
     EXPECT_EQ(ConvTwips2Pix(screen, 1e6, 0) + ConvTwips2Pix(ScreenMetrics{15, 0}, 100, 1), 0);
     EXPECT_EQ(recorder().texts(), QStringList(2, " Error in ConvTwips2Pix function. Error Source:frmPrint.ConvTwips2Pix()"));
 }
 
-// The whole page as a person sees it: the result in its class colours on the
-// preview and on the page's map (also when the main map's guard was left set),
-// the heading, the scale bar and three legend columns.
+// The theme maps take the main map's layers by theme and follow its top layer's visibility; without wind, the first solar
+// layer met from below goes to the legend, under one title. A standard layer with no theme, such as 21_wind.shp, is in the
+// preview only.
+TEST_F(Print, LegendBitmapsBesideTheProgramThenThemeMapsSplitTheMainMapsLayersAndFollowItsTopLayer)
+{
+    // The legend bitmaps are written beside the program and shown in the picture boxes.
+    for (const char* f : {"LegendBmp1.bmp", "LegendBmp3.bmp", "LegendBmp4.bmp"}) QFile::remove(programFile(f));
+    FrmPrint& f = openOn(q(testsupport::dataset()));
+    EXPECT_NO_BOXES();
+    for (const auto& [file, box] : {std::pair{"LegendBmp1.bmp", f.Picture1}, {"LegendBmp3.bmp", f.Picture3}, {"LegendBmp4.bmp", f.Picture4}}) {
+        SCOPED_TRACE(file);
+        QImage onDisk(programFile(file));
+        ASSERT_FALSE(onDisk.isNull());
+        EXPECT_EQ(box->Picture().convertToFormat(QImage::Format_RGB32), onDisk.convertToFormat(QImage::Format_RGB32));
+        EXPECT_GT(countColour(onDisk, onDisk.rect(), Qt::black, 127), 50) << "a legend with entries is not blank";
+    }
+
+    // The next opening overwrites them.
+    UnloadFrmPrint();
+    if (QFile spoilt(programFile("LegendBmp3.bmp")); !spoilt.open(QIODevice::WriteOnly | QIODevice::Truncate) || spoilt.write("no bitmap") < 0) FAIL();
+    frmMain().mnuPrint_Click();
+    EXPECT_FALSE(QImage(programFile("LegendBmp3.bmp")).isNull() || frmPrint().Picture3->Picture().isNull());
+
+    // One that cannot be written ends the load with its message; the window
+    // opens all the same, without the pictures that are loaded after all three files.
+    UnloadFrmPrint(), recorder().clear();
+    QFile::remove(programFile("LegendBmp3.bmp"));
+    ASSERT_TRUE(QDir().mkpath(programFile("LegendBmp3.bmp")));  // a directory where the file should go
+    frmMain().mnuPrint_Click();
+    QDir(programFile("LegendBmp3.bmp")).removeRecursively();
+    EXPECT_EQ(recorder().texts(), QStringList({" Error in Form_Load function. Error Source:frmPrint.Form_Load()"}));
+    EXPECT_TRUE(frmPrint().Picture1->Picture().isNull() && frmPrint().isVisible());
+
+    QStringList all3;  // every standard file from 30 up, the top first
+    for (const std::string& file : datagen::standardFiles()) if (file >= "30") all3.prepend(q(file));
+    struct Case { const char* what; QString dir; bool topVisible; QStringList map3, map5, map6; bool flag; };
+    const QString full = q(testsupport::dataset());
+    const QStringList fullMap5 = {"02_landuse.shp", "01_elevation.shp"}, fullMap6 = {"20_wind.shp", "11_solar_direct.shp"};
+    const Case cases[] = {
+        {"top layer shown", full, true, all3, fullMap5, fullMap6, true},
+        {"top layer hidden", full, false, all3, fullMap5, fullMap6, true},
+        {"two solar layers, no wind", datasetOnly({"43_roads.shp", "14_solar_glo.shp", "16_solar_tilt.shp"}), true,
+         {"43_roads.shp"}, {}, {"14_solar_glo.shp"}, true},
+        {"neither solar nor wind", datasetOnly({"43_roads.shp", "21_wind.shp", "01_elevation.shp"}), true,
+         {"43_roads.shp"}, {"01_elevation.shp"}, {}, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        FrmPrint& f = openOn(c.dir, true, [&](Map* m) {
+            m->Layers().Item(0)->Visible = c.topVisible;
+            m->Layers().Item(m->Layers().Count() - 1)->Visible = !c.topVisible;
+        });
+        EXPECT_NO_BOXES();
+        Map* map1 = main->Map1;
+        // The preview has the main map's layers in its order, built anew, each with its own visibility.
+        ASSERT_EQ(tags(f.Map2), tags(map1));
+        for (int i = 0; i < map1->Layers().Count(); ++i) {
+            const MapLayerPtr a = f.Map2->Layers().Item(i), b = map1->Layers().Item(i);
+            EXPECT_TRUE(a != b && a->Visible == b->Visible && a->Name == b->Name) << i;
+        }
+        EXPECT_EQ(QList({filesOf(f.Map3), filesOf(f.Map5), filesOf(f.Map6)}), QList({c.map3, c.map5, c.map6}));
+        for (const MapLayerPtr& l : f.Map6->Layers())
+            EXPECT_EQ(l->Name, filesOf(f.Map6).size() == 2 && l == f.Map6->Layers().Item(0) ? "Wind Power Density (W/m2)" : kSolarTitle);
+        EXPECT_TRUE(f.Map4->Layers().Count() == 0 && f.bSolarOrWindInLegend == c.flag);
+        for (Map* m : {f.Map3, f.Map5, f.Map6})
+            for (const MapLayerPtr& l : m->Layers()) EXPECT_TRUE(l->Visible == c.topVisible && l->Tag.isEmpty());
+    }
+    const QImage empty(programFile("LegendBmp4.bmp"));  // of the last case, without solar or wind
+    ASSERT_FALSE(empty.isNull());
+    EXPECT_EQ(countColour(empty, empty.rect(), Qt::white, 0), empty.width() * empty.height());
+}
+
+// The unit code comes from the upper-cased unit name of the top layer; the scale bar's failures leave out what follows.
+TEST_F(Print, ScaleBarUnitFromTheTopLayerAndWhatItsFailuresLeaveOut)
+{
+    const std::string geo = "GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\",6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],";
+    auto projected = [&](const std::string& unit) {
+        return "PROJCS[\"Local_TM\"," + geo + "UNIT[\"Degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],"
+               "PARAMETER[\"Central_Meridian\",12.0],PARAMETER[\"Scale_Factor\",0.9996],UNIT[\"" + unit + "\",0.3048]]";
+    };
+    struct Case { const char* what; std::string prj; int code; };
+    for (const Case& c : {Case{"Degree", geo + "UNIT[\"Degree\",0.0174532925199433]]", ScaleBar::Degrees},
+                          {"feet", projected("feet"), ScaleBar::Feet}, {"Foot_US", projected("Foot_US"), ScaleBar::Meters}})
+        EXPECT_TRUE(openOnCities(c.what, c.prj).sbMapView->MapUnits() == c.code && recorder().boxes.empty()) << c.what;
+
+    // The top layer without a projection file: the unit cannot be read, and
+    // the last settings are left out; the legends are made all the same.
+    FrmPrint& g = openOnCities("noprj", "");
+    EXPECT_EQ(recorder().texts(), QStringList({" Error in setUpScalebar function. Error Source:frmPrint.setupScalebar()"}));
+    const ScaleBar defaults;
+    EXPECT_EQ(g.sbMapView->Divisions(), 3) << "set before the unit is looked at";
+    EXPECT_EQ(std::pair(g.sbMapView->BarWidthRatio(), g.sbMapView->LabelMode()), std::pair(defaults.BarWidthRatio(), defaults.LabelMode()));
+    EXPECT_FALSE(g.Picture1->Picture().isNull());
+
+    // No font: a plain box, and nothing after the extents is set.
+    g.createFont = [] { return std::optional<QFont>(); };
+    g.sbMapView->setDivisions(7), g.sbMapView->setMapExtent(0, 0, 0, 0), recorder().clear();
+    g.setupScalebar();
+    EXPECT_EQ(recorder().texts(), QStringList({"stdole.StdFont  is not installed. Scale bar will not be printed"}));
+    EXPECT_TRUE(g.sbMapView->Divisions() == 7 && g.sbMapView->MapExtent().Right != 0) << "the extents come before the font";
+}
+
+// The whole page as a person sees it: the result in its class colours on the preview and on the page's map (also when the
+// main map's guard was left set), the heading, the scale bar and three legend columns.
 TEST_F(Print, PrintedPdfShowsTheResultHeadingScaleBarAndLegends)
 {
     FrmPrint& f = openOn(q(testsupport::dataset()), false, [](Map* map1) {
@@ -336,16 +316,13 @@ TEST_F(Print, PrintedPdfShowsTheResultHeadingScaleBarAndLegends)
     SetClassSymbolColor("WINDPWRD", 250, symbols[0]), SetClassSymbolColor("WINDPWRD", 900, symbols[1]);
     const int lowClass = symbols[0]->Color, highClass = symbols[1]->Color;
     ASSERT_NE(lowClass, highClass);
-    cShapes = std::make_shared<Collection<ShapePtr>>();
-    cSymbols = std::make_shared<Collection<SymbolPtr>>();
+    cShapes = std::make_shared<Collection<ShapePtr>>(), cSymbols = std::make_shared<Collection<SymbolPtr>>();
     const RectanglePtr e = frmMain().Map1->FullExtent();
     for (int i : {0, 1}) {
         const double l = e->Left + e->Width() * (1 + i) / 4, b = e->Bottom + e->Height() / 4;
         symbols[i]->Outline = false;
         cSymbols->Add(symbols[i], QString::number(i));
-        const QString wkt = QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(l, 0, 'f', 3).arg(b, 0, 'f', 3)
-                                .arg(l + e->Width() / 4, 0, 'f', 3).arg(b + e->Height() / 2, 0, 'f', 3);
-        cShapes->Add(shapeFromGeom(geomFromWkt(wkt.toStdString().c_str())), QString::number(i));
+        cShapes->Add(shapeFromGeom(geomFromWkt(qf::rect(l, b, e->Width() / 4, e->Height() / 2).c_str())), QString::number(i));
     }
     auto colour = [](int c) { return QColor(RedOf(c), GreenOf(c), BlueOf(c)); };
     // The preview shows it at each of its repaints and leaves the main map's guard alone.
@@ -360,8 +337,7 @@ TEST_F(Print, PrintedPdfShowsTheResultHeadingScaleBarAndLegends)
     const QDir dir(q(testsupport::tempDir("picture")));
     ASSERT_TRUE(printTo(f, dir.filePath("page.pdf"), 600)) << recorder().texts().join("\n").toStdString();
     EXPECT_NO_BOXES();
-    // Heading and scale bar go to the page as pictures of the screen through
-    // the clipboard, which keeps the heading.
+    // Heading and scale bar go to the page as pictures of the screen through the clipboard, which keeps the heading.
     const QImage head = f.pictHeadFromClipboard->Picture();
     EXPECT_EQ(QGuiApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32), head.convertToFormat(QImage::Format_RGB32));
     EXPECT_EQ(QList({head.size(), f.pictScalebarFromClipboard->Picture().size()}),

@@ -26,6 +26,7 @@ std::string square(int i)
 struct Content {
     std::set<std::string> files = {"20_wind.shp",  "02_landuse.shp",          "31_protectedarea.shp",
                                    "43_roads.shp", "44_transmissionline.shp", "11_solar_direct.shp"};
+    std::set<std::string> omit;
     std::vector<double> wind = {150, 250, 450, 650, 950};
     std::string windField = "WINDPWRD";
     std::vector<std::string> landUse = {"FOREST", "  Lake", "FOREST", "URBAN"};
@@ -37,6 +38,7 @@ void loadDataset(const std::string& name, const Content& content = {})
     using datagen::GeomKind;
     const std::string dir = testsupport::tempDir(name);
     for (const std::string& file : content.files) {
+        if (content.omit.contains(file)) continue;
         const std::string path = dir + "/" + file;
         std::vector<datagen::FeatureSpec> features;
         if (file == "20_wind.shp") {
@@ -54,13 +56,6 @@ void loadDataset(const std::string& name, const Content& content = {})
     }
     loadDirectory(q(dir));
     recorder().clear();
-}
-
-Content without(const std::set<std::string>& omit)
-{
-    Content c;
-    std::erase_if(c.files, [&](const std::string& file) { return omit.contains(file); });
-    return c;
 }
 
 // The user's pick in the query list.
@@ -87,9 +82,14 @@ protected:
 
 }  // namespace
 
-TEST_F(QuerySet, WithoutADatasetTheListHoldsEveryQueryRefusesWindQueriesSilentlyAndMatchesLayerTags)
+TEST_F(QuerySet, WithoutADatasetTheListHoldsEveryQueryRefusesWindQueriesSilentlyThenRequiredFilesAndTheirMessages)
 {
     EXPECT_EQ(items(f->cboSelectQuery), kQueries);
+    // No wind layer indexed: the fill fails and says where.
+    FillWindDensityDropDowns();
+    FillLandUseDropDown();
+    EXPECT_EQ(recorder().texts(), (QStringList{" Error Source:md_functions.FillWindDensityDropDowns()",
+                                               " Error Source:md_functions.FillLandUseDropDown()"}));
     for (int i = 1; i < 7; ++i) {
         SCOPED_TRACE(kQueries[i].toStdString());
         recorder().clear();
@@ -105,14 +105,11 @@ TEST_F(QuerySet, WithoutADatasetTheListHoldsEveryQueryRefusesWindQueriesSilently
     f->Map1->Layers().Add(layer);
     EXPECT_TRUE(isLayerExist(" 20_Wind.shp", message) && message.isEmpty());
     EXPECT_FALSE(isLayerExist("21_wind.shp", message) || message != "This query requires 21_wind.shp shapefile.");
-}
 
-TEST_F(QuerySet, RequiredFilesAndTheirMessages)
-{
+    // The files each query requires, and their messages.
     // message: what the caller's "before" has become; a file name stands for the request of it
     struct Case { std::set<std::string> omit; const char* query; bool possible; const char* message; };
     const Case cases[] = {
-        {{"43_roads.shp"}, "Best wind + roads", false, "43_roads.shp"},
         {{"43_roads.shp"}, "Best wind + transmission", true, ""},
         {{"31_protectedarea.shp", "02_landuse.shp"}, "Best wind (all)", false, "31_protectedarea.shp"},
         {{"44_transmissionline.shp"}, "Best wind (all)", false, "44_transmissionline.shp"},
@@ -130,7 +127,7 @@ TEST_F(QuerySet, RequiredFilesAndTheirMessages)
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.query) + " / case " + std::to_string(n));
         freshMain();
-        loadDataset("avail-" + std::to_string(n++), without(c.omit));
+        loadDataset("avail-" + std::to_string(n++), Content{.omit = c.omit});
         QString message = "before";
         EXPECT_EQ(isQueryPossible(c.query, message), c.possible);
         const std::string m = c.message;
@@ -139,25 +136,9 @@ TEST_F(QuerySet, RequiredFilesAndTheirMessages)
     }
 }
 
-TEST_F(QuerySet, RefusedSelectionShowsTheMessageAndKeepsThePanel)
+TEST_F(QuerySet, FirstRealQuerySwitchesToTheEditPanelOnceEverySelectionHidesTheLayersAndARefusalKeepsThePanel)
 {
-    loadDataset("refused", without({"43_roads.shp"}));
-    pick(*f, "Wind by Power Density");
-    ASSERT_EQ(f->fraEditQueryParameters->title(), "Wind by Power Density");
-    f->lblWorking->setText("Working text"), f->cmdShowData->setVisible(true), recorder().clear();
-
-    pick(*f, "Best wind + roads");
-    EXPECT_EQ(recorder().texts(), QStringList{"This query requires 43_roads.shp shapefile."});
-    ASSERT_EQ(recorder().boxes.size(), 1u);
-    EXPECT_TRUE(recorder().boxes[0].buttons == seam::Buttons::OK && recorder().boxes[0].icon == seam::Icon::None);
-    EXPECT_EQ(QStringList({f->cboSelectQuery->Text(), f->fraEditQueryParameters->title(), f->lblWorking->text()}),
-              QStringList({"Best wind + roads", "Wind by Power Density", "Working text"}));
-    EXPECT_FALSE(Visible(f->txtQuery1[2]) || Visible(f->cmdShowData));  // the button is hidden before the check
-}
-
-TEST_F(QuerySet, FirstRealQuerySwitchesToTheEditPanelOnceAndEverySelectionHidesTheLayers)
-{
-    loadDataset("first-query");
+    loadDataset("first-query", Content{.omit = {"43_roads.shp"}});
     pick(*f, "No Query (Base Map)");
     EXPECT_TRUE(f->bFirstQuery && Visible(f->fraStartUpImage) && f->fraEditQueryParameters->title().isEmpty());
 
@@ -168,8 +149,17 @@ TEST_F(QuerySet, FirstRealQuerySwitchesToTheEditPanelOnceAndEverySelectionHidesT
     pick(*f, "Wind by Power Density");  // the same query again
     EXPECT_FALSE(wind->Visible);
 
+    f->lblWorking->setText("Working text"), f->cmdShowData->setVisible(true), recorder().clear();
+    pick(*f, "Best wind + roads");
+    EXPECT_EQ(recorder().texts(), QStringList{"This query requires 43_roads.shp shapefile."});
+    ASSERT_EQ(recorder().boxes.size(), 1u);
+    EXPECT_TRUE(recorder().boxes[0].buttons == seam::Buttons::OK && recorder().boxes[0].icon == seam::Icon::None);
+    EXPECT_EQ(QStringList({f->cboSelectQuery->Text(), f->fraEditQueryParameters->title(), f->lblWorking->text()}),
+              QStringList({"Best wind + roads", "Wind by Power Density", "Working text"}));
+    EXPECT_FALSE(Visible(f->txtQuery1[2]) || Visible(f->cmdShowData));  // the button is hidden before the check
+
     wind->Visible = true;
-    f->lblWorking->setText("old");
+    f->lblWorking->setText("old"), recorder().clear();
     pick(*f, "No Query (Base Map)");
     EXPECT_FALSE(wind->Visible || Visible(f->fraStartUpImage) || !Visible(f->fraEditLegend));
     EXPECT_EQ(QStringList({f->fraEditQueryParameters->title(), f->lblWorking->text()}) << recorder().texts(),
@@ -188,11 +178,8 @@ std::map<std::string, QWidget*> panelControls(FrmMain& f)
     return m;
 }
 
-struct Shown {
-    const char* ctl;
-    const char* caption;  // label caption or text box text; null: not checked
-    int l, t, w, h;
-};
+// caption: the label's caption or the text box's text; null: not checked
+struct Shown { const char* ctl; const char* caption; int l, t, w, h; };
 using Panel = std::vector<Shown>;
 
 Panel operator+(Panel a, const Panel& b) { return a.insert(a.end(), b.begin(), b.end()), a; }
@@ -238,78 +225,7 @@ void checkPanel(FrmMain& f, const QString& query)
 
 }  // namespace
 
-// Each query follows one that moved or showed other controls.
-TEST_F(QuerySet, PanelForEachArrangement)
-{
-    loadDataset("panel");
-    for (const char* query : {"Best wind (all)", "Best wind + roads", "Best Solar X kWh/m2/day", "Best wind (all)",
-                              "Best wind + transmission", "Best Solar X kWh/m2/day", "No Query (Base Map)"}) {
-        SCOPED_TRACE(query);
-        pick(*f, query);
-        EXPECT_EQ(f->fraEditQueryParameters->title(), query);
-        checkPanel(*f, query);
-        EXPECT_NO_BOXES();
-    }
-}
-
-TEST_F(QuerySet, DistanceBoxesAcrossSelections)
-{
-    loadDataset("distances");
-    f->txtQuery1[1]->setText("9");
-    f->chkProtectedAreas->setChecked(false);
-    // typed before the selection (null: none), and shown after it
-    struct Step { const char *typed, *query, *shown; };
-    const Step steps[] = {
-        {nullptr, "Best wind + transmission", "5"},  // the initial text survives the first selection
-        {"7", "Best wind + roads", "2"},             // reset on every roads selection
-        {"4", "Best wind + transmission", "4"},      // carried over from roads
-        {"", "Best wind + transmission", "2"}, {"abc", "Best wind (all)", "2"},
-    };
-    for (const Step& s : steps) {
-        if (s.typed) f->txtQuery1[2]->setText(s.typed);
-        pick(*f, s.query);
-        EXPECT_EQ(f->txtQuery1[2]->text(), s.shown) << s.query << " after \"" << (s.typed ? s.typed : "") << '"';
-    }
-    EXPECT_TRUE(f->txtQuery1[1]->text() == "9" && !f->chkProtectedAreas->isChecked());  // both survive
-}
-
-TEST_F(QuerySet, WindListsComeFromTheWindRenderer)
-{
-    loadDataset("windlists");
-    pick(*f, "Best wind + land use");
-    const QStringList breaks = {"200", "300", "400", "500", "600", "800"};
-    EXPECT_EQ(items(f->cboQueryDropDown), breaks);
-    EXPECT_EQ(items(f->cboQueryDropDown2), breaks + QStringList{"Max"});
-    EXPECT_EQ(QStringList({f->cboQueryDropDown->Text(), f->cboQueryDropDown2->Text()}), QStringList({"500", "800"}));
-    EXPECT_TRUE(items(f->lstQuery1) == kLandUses && f->lstQuery1->selectedItems().isEmpty());
-
-    // A renderer changed under the panel is what the lists show next time.
-    auto r = std::dynamic_pointer_cast<ClassBreaksRenderer>(f->Map1->Layers().Item(cLayerIndex->Item("20_wind.shp"))->Renderer);
-    ASSERT_TRUE(r);
-    r->setBreak(0, 123.25);
-    f->lstQuery1->setSelected(0, true);
-    f->cboQueryDropDown->setText("999");
-    pick(*f, "Best wind + land use");
-    EXPECT_EQ(QStringList({f->cboQueryDropDown->List(0), f->cboQueryDropDown->Text()}), QStringList({"123.25", "500"}));
-    EXPECT_TRUE(f->lstQuery1->selectedItems().isEmpty());
-}
-
-TEST_F(QuerySet, ValueSourcesOfTheSolarLayersAndTheirFailures)
-{
-    // No wind layer indexed: the fill fails and says where.
-    FillWindDensityDropDowns();
-    FillLandUseDropDown();
-    EXPECT_EQ(recorder().texts(), (QStringList{" Error Source:md_functions.FillWindDensityDropDowns()",
-                                               " Error Source:md_functions.FillLandUseDropDown()"}));
-    loadDataset("solar-ids", Content{.files = {"11_solar_direct.shp", "17_solar_direct.shp", "16_solar_tilt.shp"}});
-    // Two layers carry that name: the lower index wins.
-    EXPECT_EQ(GetSolarResourceLayerID(kConc40), std::min(cLayerIndex->Item("11_solar_direct.shp"),
-                                                         cLayerIndex->Item("17_solar_direct.shp")));
-    EXPECT_EQ(GetSolarResourceLayerID("10 km Solar PV Annual Average(KWH/M2/DAY)"), cLayerIndex->Item("16_solar_tilt.shp"));
-    EXPECT_EQ(GetSolarResourceLayerID("10 KM Solar PV Annual Average(KWH/M2/DAY)") + GetSolarResourceLayerID("nothing"), 0);
-}
-
-TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFile)
+TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFileTheLayersOfEachResourceAndTheWindMaximumWarning)
 {
     loadDataset("only-16", Content{.files = {"16_solar_tilt.shp"}});
     // Breaks of the layer's own renderer decide, rounded to one decimal.
@@ -338,10 +254,15 @@ TEST_F(QuerySet, SolarPanelWithOnlyTheTenKmPvFile)
     recorder().clear();
     f->cboQueryDropDown3->setListIndex(5);
     EXPECT_NO_BOXES();
-}
 
-TEST_F(QuerySet, WindMaximumWarningAndAWindLayerWithoutItsField)
-{
+    loadDataset("solar-ids", Content{.files = {"11_solar_direct.shp", "17_solar_direct.shp", "16_solar_tilt.shp"}});
+    // Two layers carry that name: the lower index wins.
+    EXPECT_EQ(GetSolarResourceLayerID(kConc40), std::min(cLayerIndex->Item("11_solar_direct.shp"),
+                                                         cLayerIndex->Item("17_solar_direct.shp")));
+    EXPECT_EQ(GetSolarResourceLayerID("10 km Solar PV Annual Average(KWH/M2/DAY)"), cLayerIndex->Item("16_solar_tilt.shp"));
+    EXPECT_EQ(GetSolarResourceLayerID("10 KM Solar PV Annual Average(KWH/M2/DAY)") + GetSolarResourceLayerID("nothing"), 0);
+
+    // The wind maximum warning, and a wind layer without its field.
     auto warning = [](const QString& m) {
         return "The query results will be shown in light gray. Maximum Wind Power Density (" + m +
                ") is less than 200. So you may not get proper rendering in the output map. You will have to type in a "
@@ -381,12 +302,7 @@ TEST_F(QuerySet, WindMaximumWarningAndAWindLayerWithoutItsField)
 namespace {
 
 // transmission and distance go to txtQuery1(1) and (2); refusal null: accepted; focus: the txtQuery1 taking it.
-struct Inputs {
-    const char *query, *min, *max, *transmission, *distance;
-    bool landUse;
-    const char* refusal;
-    int focus = -1;
-};
+struct Inputs { const char *query, *min, *max, *transmission, *distance; bool landUse; const char* refusal; int focus = -1; };
 
 const char* const W = "Wind by Power Density";
 const char* const R = "Best wind + roads";
@@ -426,10 +342,52 @@ const Inputs kValidation[] = {
 
 }  // namespace
 
-TEST_F(QuerySet, ValidationTable)
+TEST_F(QuerySet, DistanceBoxesPanelForEachArrangementWindListsFromTheWindRendererAndValidation)
 {
+    loadDataset("panel");
+    f->txtQuery1[1]->setText("9"), f->chkProtectedAreas->setChecked(false);
+    // typed before the selection (null: none), and shown after it
+    struct Step { const char *typed, *query, *shown; };
+    const Step steps[] = {
+        {nullptr, "Best wind + transmission", "5"},  // the initial text survives the first selection
+        {"7", "Best wind + roads", "2"},             // reset on every roads selection
+        {"4", "Best wind + transmission", "4"},      // carried over from roads
+        {"", "Best wind + transmission", "2"}, {"abc", "Best wind (all)", "2"},
+    };
+    for (const Step& s : steps) {
+        if (s.typed) f->txtQuery1[2]->setText(s.typed);
+        pick(*f, s.query);
+        EXPECT_EQ(f->txtQuery1[2]->text(), s.shown) << s.query << " after \"" << (s.typed ? s.typed : "") << '"';
+    }
+    EXPECT_TRUE(f->txtQuery1[1]->text() == "9" && !f->chkProtectedAreas->isChecked());  // both survive
+
+    // Each query follows one that moved or showed other controls.
+    for (const char* query : {"Best wind (all)", "Best wind + roads", "Best Solar X kWh/m2/day", "Best wind (all)",
+                              "Best wind + transmission", "Best Solar X kWh/m2/day", "No Query (Base Map)"}) {
+        SCOPED_TRACE(query);
+        pick(*f, query);
+        EXPECT_EQ(f->fraEditQueryParameters->title(), query);
+        checkPanel(*f, query);
+        EXPECT_NO_BOXES();
+    }
+
+    pick(*f, "Best wind + land use");
+    const QStringList breaks = {"200", "300", "400", "500", "600", "800"};
+    EXPECT_EQ(items(f->cboQueryDropDown), breaks);
+    EXPECT_EQ(items(f->cboQueryDropDown2), breaks + QStringList{"Max"});
+    EXPECT_EQ(QStringList({f->cboQueryDropDown->Text(), f->cboQueryDropDown2->Text()}), QStringList({"500", "800"}));
+    EXPECT_TRUE(items(f->lstQuery1) == kLandUses && f->lstQuery1->selectedItems().isEmpty());
+
+    // A renderer changed under the panel is what the lists show next time.
+    auto r = std::dynamic_pointer_cast<ClassBreaksRenderer>(f->Map1->Layers().Item(cLayerIndex->Item("20_wind.shp"))->Renderer);
+    ASSERT_TRUE(r);
+    r->setBreak(0, 123.25);
+    f->lstQuery1->setSelected(0, true), f->cboQueryDropDown->setText("999");
+    pick(*f, "Best wind + land use");
+    EXPECT_EQ(QStringList({f->cboQueryDropDown->List(0), f->cboQueryDropDown->Text()}), QStringList({"123.25", "500"}));
+    EXPECT_TRUE(f->lstQuery1->selectedItems().isEmpty());
+
     // The panel of "Best wind (all)" shows both distance boxes, so that they can take the focus.
-    loadDataset("validation");
     pick(*f, "Best wind (all)");
     f->show(), f->activateWindow(), QApplication::processEvents();
     ASSERT_EQ(items(f->lstQuery1), kLandUses);

@@ -1,6 +1,4 @@
 // Save Result: the result written as a shapefile that GDAL reads back, and every way it stops without writing.
-#include <gtest/gtest.h>
-
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
@@ -8,18 +6,13 @@
 #include <fstream>
 #include <unistd.h>
 
-#include "app/frmMain.h"
-#include "datagen.h"
 #include "mapping/map.h"
+#include "query_fixture.h"
 #include "results/save_result.h"
-#include "support/testsupport.h"
-#include "workspace/state.h"
 
 using testsupport::fileAnswer;
 using testsupport::recorder;
 namespace fs = std::filesystem;
-
-void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
 
 namespace {
 
@@ -96,7 +89,7 @@ protected:
     }
     void TearDown() override { frmMain().Map1->Layers().Clear(); }
 
-    // A standard layer loaded into Map1 as the loading leaves it.
+    // A standard layer loaded alone into Map1 as the loading leaves it.
     void loadLayer(const std::string& file, bool withPrj)
     {
         const std::string path = dir + "/src_" + file;
@@ -104,10 +97,9 @@ protected:
         auto layer = std::make_shared<MapLayer>();
         layer->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
         layer->Tag = QString::fromStdString(file);
-        frmMain().Map1->Layers().Add(layer);
+        frmMain().Map1->Layers().Clear(), frmMain().Map1->Layers().Add(layer);
         cLayerIndex = std::make_shared<Collection<int>>();
-        const auto& layers = frmMain().Map1->Layers();
-        for (int i = 0; i < layers.Count(); ++i) cLayerIndex->Add(i, layers.Item(i)->Tag);
+        cLayerIndex->Add(0, layer->Tag);
     }
 
     // Saves to the given name under the test's directory, as the dialog answers it.
@@ -120,7 +112,7 @@ protected:
     std::string dir;
 };
 
-TEST_F(SaveTest, ResultReadsBackWithItsGeometriesValuesAndProjection)
+TEST_F(SaveTest, ResultReadsBackWithItsGeometriesValuesAndTheProjectionOfItsLayer)
 {
     loadLayer("20_wind.shp", true);
     const QString twoParts = "MULTIPOLYGON(((2000 0,2010 0,2010 10,2000 0)),((2020 0,2040 0,2040 5,2020 5,2020 0)))";
@@ -160,10 +152,9 @@ TEST_F(SaveTest, ResultReadsBackWithItsGeometriesValuesAndProjection)
     setResult({square(0, 0, 10), square(50, 0, 20)}, "WINDPWRD", {200});
     saveAs("short.shp");
     EXPECT_EQ(recorder().texts(), QStringList{kFailure});
-}
 
-TEST_F(SaveTest, ProjectionComesFromTheChosenSolarLayerOrIsLeftOut)
-{
+    // The projection comes from the chosen solar layer, or is left out.
+    recorder().clear();
     struct Case { const char* field; const char* solarFile; const char* loaded; bool prj; bool withPrj; };
     const Case cases[] = {
         {"ANNGLO", "14_solar_glo.shp", "14_solar_glo.shp", true, true},
@@ -172,7 +163,6 @@ TEST_F(SaveTest, ProjectionComesFromTheChosenSolarLayerOrIsLeftOut)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.field);
-        frmMain().Map1->Layers().Clear();
         loadLayer(c.loaded, c.withPrj);
         setResult({square(0, 0, 10)}, c.field, {5.5});
         sSolarLayerFile = c.solarFile;
@@ -182,8 +172,38 @@ TEST_F(SaveTest, ProjectionComesFromTheChosenSolarLayerOrIsLeftOut)
     }
 }
 
-TEST_F(SaveTest, AskFirstAboveFiftyFeatures)
+TEST_F(SaveTest, SilentStopsWriteNothingATitleEarlierInThePathCutsTheDirectoryShortAndAboveFiftyFeaturesItAsks)
 {
+    // No query yet, an empty result.
+    saveAs("x.shp");
+    setResult({}, "WINDPWRD", {});
+    SaveTrackingLayer();
+    EXPECT_TRUE(recorder().fileRequests.empty());
+    recorder().clear();
+
+    // A cancelled dialog (the recorder cancels when no answer is queued), an empty name.
+    setResult({square(0, 0, 10)}, "WINDPWRD", {200});
+    SaveTrackingLayer();
+    recorder().files.push_back(seam::FileAnswer{.cancelled = false});
+    SaveTrackingLayer();
+    EXPECT_EQ(recorder().fileRequests.size(), 2u);
+
+    // After the off-grid query with no query before it: no field name.
+    cFieldValues.reset(), sFieldName.clear();
+    saveAs("none.shp");
+    EXPECT_TRUE(recorder().boxes.empty() && filesIn(dir).empty());
+
+    // The directory is what stands before the first occurrence of the file title.
+    fs::create_directories(dir + "/a.shp.d");
+    setResult({square(0, 0, 10)}, "WINDPWRD", {300});
+    saveAs("a.shp.d/a.shp");
+    EXPECT_TRUE(recorder().boxes.empty() && readBack(dir + "/a.shp").opened && filesIn(dir + "/a.shp.d").empty());
+
+    // Another four-character ending is cut like ".shp".
+    saveAs("plain.txt");
+    EXPECT_EQ(readBack(dir + "/plain.shp").values, std::vector<double>{300});
+
+    // Above fifty features the save asks first.
     struct Case { int count; bool asked; seam::Answer answer; bool written; };
     const Case cases[] = {
         {50, false, seam::Answer::No, true}, {51, true, seam::Answer::No, false}, {51, true, seam::Answer::Yes, true},
@@ -209,40 +229,7 @@ TEST_F(SaveTest, AskFirstAboveFiftyFeatures)
     }
 }
 
-TEST_F(SaveTest, SilentStopsWriteNothingAndATitleEarlierInThePathCutsTheDirectoryShort)
-{
-    // No query yet, an empty result.
-    saveAs("x.shp");
-    setResult({}, "WINDPWRD", {});
-    SaveTrackingLayer();
-    EXPECT_TRUE(recorder().fileRequests.empty());
-    recorder().clear();
-
-    // A cancelled dialog (the recorder cancels when no answer is queued), an empty name.
-    setResult({square(0, 0, 10)}, "WINDPWRD", {200});
-    SaveTrackingLayer();
-    recorder().files.push_back(seam::FileAnswer{.cancelled = false});
-    SaveTrackingLayer();
-    EXPECT_EQ(recorder().fileRequests.size(), 2u);
-
-    // After the off-grid query with no query before it: no field name.
-    cFieldValues.reset();
-    sFieldName.clear();
-    saveAs("none.shp");
-    EXPECT_TRUE(recorder().boxes.empty() && filesIn(dir).empty());
-
-    // The directory is what stands before the first occurrence of the file title.
-    fs::create_directories(dir + "/a.shp.d");
-    setResult({square(0, 0, 10)}, "WINDPWRD", {300});
-    saveAs("a.shp.d/a.shp");
-    EXPECT_TRUE(recorder().boxes.empty() && readBack(dir + "/a.shp").opened && filesIn(dir + "/a.shp.d").empty());
-
-    // Another four-character ending is cut like ".shp".
-    saveAs("plain.txt");
-    EXPECT_EQ(readBack(dir + "/plain.shp").values, std::vector<double>{300});
-}
-
-TEST_F(SaveTest, ReplacesAnExistingSetAsAWhole)
+TEST_F(SaveTest, ReplacesAnExistingSetAsAWholeAndUnwritableTargetsEndWithTheFailureText)
 {
     datagen::writeShapefile(dir + "/r.shp", datagen::GeomKind::Point, {{"NAME", 'C'}, {"POP", 'I'}},
                             {{"POINT(1 1)", {std::string("a"), 1LL}}, {"POINT(2 2)", {std::string("b"), 2LL}}}, true);
@@ -261,12 +248,10 @@ TEST_F(SaveTest, ReplacesAnExistingSetAsAWhole)
     EXPECT_TRUE(!fs::exists(dir + "/r.prj") && (!fs::exists(dir + "/r.cpg") || slurp(dir + "/r.cpg") != "STALE"));
     // Neighbours are left alone.
     EXPECT_TRUE(slurp(dir + "/r.txt") == "neighbour" && slurp(dir + "/r2.dbf") == neighbourDbf && fs::exists(dir + "/r2.prj"));
-}
 
-// Where the set cannot be made the user hears of it, the program goes on and
-// nothing else on disk changes.
-TEST_F(SaveTest, UnwritableTargetsEndWithTheFailureText)
-{
+    // Where the set cannot be made the user hears of it, the program goes on and nothing else on disk changes.
+    recorder().clear();
+    fs::remove_all(dir), fs::create_directories(dir);
     setResult({square(0, 0, 10), square(50, 0, 10)}, "WINDPWRD", {200, 300});
 
     // The name is taken by a directory.
