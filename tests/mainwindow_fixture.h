@@ -26,6 +26,14 @@ inline FrmMain& freshMain()
     return f;
 }
 
+// A case with a fresh main form, unloaded afterwards.
+struct MainTest : ::testing::Test {
+    void TearDown() override { unloadFrmMain(); }
+    Map* map() { return main->Map1; }
+    FrmMain& f = freshMain();
+    FrmMain* main = &f;
+};
+
 inline QString q(const std::string& s) { return QString::fromStdString(s); }
 
 // n small squares in a row (or their centres, or their diagonals), with an ID and a NAME field.

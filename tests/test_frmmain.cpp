@@ -18,12 +18,7 @@ using testsupport::recorder;
 
 namespace {
 
-class MainWindow : public ::testing::Test {
-protected:
-    void SetUp() override { main = &freshMain(); }
-    void TearDown() override { unloadFrmMain(); }
-    FrmMain* main = nullptr;
-};
+using MainWindow = MainTest;
 
 QString captionOf(QWidget* w)
 {
@@ -38,7 +33,6 @@ QRect rectOf(const TwipsRect& r) { return QRect(r.Left, r.Top, r.Width, r.Height
 // A sample of the design, some controls of each container.
 TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
 {
-    FrmMain& f = *main;
     struct Placed { const char* name; QWidget *widget, *container; QRect at; QString caption; };
     const Placed table[] = {
         {"cboSelectQuery", f.cboSelectQuery, f.centralWidget(), {120, 720, 3615, 315}, "No Query (Base Map)"},
@@ -77,7 +71,6 @@ TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
 // chosen, the tools on the black map holder too.
 TEST_F(MainWindow, ChosenOptionsAndTickedBoxesShowTheirMark)
 {
-    FrmMain& f = *main;
     f.fraEditLegend->setVisible(true), f.chkProtectedAreas->setVisible(true);
     for (QAbstractButton* b : std::initializer_list<QAbstractButton*>{f.optPanZoom[0], f.optPanZoom[1], f.optPanZoom[2],
                                                                      f.optEditLegend[0], f.optEditLegend[1], f.chkProtectedAreas}) {
@@ -103,7 +96,6 @@ TEST_F(MainWindow, ChosenOptionsAndTickedBoxesShowTheirMark)
 // its smallest, and opens no larger than the screen.
 TEST_F(MainWindow, TheWindowKeepsItsControlsInViewAndFitsTheScreen)
 {
-    FrmMain& f = *main;
     f.show();
     const QRect screen = f.screen()->availableGeometry();
     EXPECT_TRUE(f.width() <= std::max(screen.width(), f.minimumWidth()) && f.height() <= std::max(screen.height(), f.minimumHeight()));
@@ -116,7 +108,6 @@ TEST_F(MainWindow, TheWindowKeepsItsControlsInViewAndFitsTheScreen)
 
 TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSizeByTheMarginsMeasuredAtLoad)
 {
-    FrmMain& f = *main;
     EXPECT_EQ((std::array<int, 4>{f.FormHeight(), f.FormWidth(), f.iFrameWidthMargin, f.iMapHeightMargin}),
               (std::array{8835, 12630, 12630 - 8790, 8835 - 6705}));
     const TwipsRect left = Twips(f.fraStartUpImage), scale = Twips(f.cboScale);
@@ -146,7 +137,6 @@ TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSizeByTheMarginsMeasuredAtLoad)
 // load without, and a query run.
 TEST_F(MainWindow, EnabledStateFollowsTheStateTable)
 {
-    FrmMain& f = *main;
     auto navigation = [&] {
         return QList<bool>{f.cmdZoomIn->isEnabled(), f.cmdZoomOut->isEnabled(), f.cboScale->isEnabled(),
                            f.optPanZoom[0]->isEnabled(), f.optPanZoom[1]->isEnabled(), f.optPanZoom[2]->isEnabled(),
@@ -189,7 +179,6 @@ TEST_F(MainWindow, EnabledStateFollowsTheStateTable)
 
 TEST_F(MainWindow, EditOrLegendWaitsForTheFirstQuery)
 {
-    FrmMain& f = *main;
     QStringList shown;
     auto look = [&] { shown << QString(Visible(f.fraEdit) ? "edit" : "") + (Visible(f.fraLegend) ? "legend" : ""); };
     f.optEditLegend[1]->setChecked(true), look();  // no effect while the start-up picture shows
@@ -276,7 +265,6 @@ TEST_F(MainWindow, SplashLoadsTheMainFormAndShowsItWhenDismissed)
 // brought up to date before the tracking layer, and the end re-arms the next.
 TEST_F(MainWindow, DrawEventsAreTheBeatOfTheInterface)
 {
-    FrmMain& f = *main;
     loadDirectory(q(testsupport::dataset()));
     struct Seen { QString event; bool drawn; QString label; };
     std::vector<Seen> seen;

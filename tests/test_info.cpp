@@ -21,11 +21,9 @@ void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString()
 
 namespace {
 
+using testsupport::box;
+
 std::string xy(double x, double y) { return QString("%1 %2").arg(x, 0, 'g', 17).arg(y, 0, 'g', 17).toStdString(); }
-std::string box(double x0, double y0, double x1, double y1)
-{
-    return "POLYGON((" + xy(x0, y0) + "," + xy(x1, y0) + "," + xy(x1, y1) + "," + xy(x0, y1) + "," + xy(x0, y0) + "))";
-}
 std::string line(double x0, double y0, double x1, double y1) { return "LINESTRING(" + xy(x0, y0) + "," + xy(x1, y1) + ")"; }
 std::string pointAt(double x, double y) { return "POINT(" + xy(x, y) + ")"; }
 
@@ -67,9 +65,7 @@ protected:
         const std::string path = dir + "/l" + std::to_string(files++) + ".shp";
         datagen::writeShapefile(path, kind, fields, features, false);
         for (auto& [i, n] : renames) renameDbfField(path.substr(0, path.size() - 4) + ".dbf", i, n);
-        auto layer = std::make_shared<MapLayer>();
-        layer->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
-        EXPECT_TRUE(layer->GeoDataset()) << path;
+        MapLayerPtr layer = testsupport::layerOf(path);
         layer->Tag = tag;
         layer->Name = name.isEmpty() ? tag : name;
         map().Layers().Add(layer);
@@ -163,9 +159,14 @@ TEST_F(InfoTest, SortedLayersFollowTheirListNotTheTable)
 
 // Layers without a list (a Tag differing in case from the table has none)
 // show their name and blank lines; listed fields a table lacks are left out;
-// plain layers keep the table's order, spelling and values.
-TEST_F(InfoTest, PlainUnlistedAndIncompleteLayers)
+// plain layers keep the table's order, spelling and values. Fields differing
+// only in case show in both formats.
+TEST_F(InfoTest, PlainUnlistedIncompleteLayersAndFieldsDifferingOnlyInCase)
 {
+    addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}, {"NAMX", 'C'}}, {{around, {txt("first"), txt("second")}}},
+             "Lakes", {{1, "NAME"}});
+    addLayer("31_protectedarea.shp", GeomKind::Polygon, {{"TYPE", 'C'}, {"Name", 'C'}, {"NAMX", 'C'}},
+             {{around, {txt("park"), txt("first"), txt("second")}}}, "Protected Areas", {{2, "NAME"}});
     addLayer("02_landuse.shp", GeomKind::Polygon, {{"AREA", 'N', 12, 2}, {"Land_Use", 'C'}},
              {{around, {3.5, txt("  mixed Forest")}}}, "Land Use");
     addLayer("21_wind.shp", GeomKind::Polygon, {{"WINDPWRD", 'N', 10, 1}}, {{around, {200.0}}, {around, {300.0}}}, "l0");
@@ -174,18 +175,9 @@ TEST_F(InfoTest, PlainUnlistedAndIncompleteLayers)
     addLayer("51_powerplant.shp", GeomKind::Polygon, {{"OWNER", 'C'}}, {{around, {txt("state")}}}, "Power Plants");
     EXPECT_EQ(identify(), "Power Plants\r\n\r\n\r\nFacilities\r\nNAME : DEPOT\r\n\r\n\r\n"
                           "Upper wind\r\n\r\n\r\nl0\r\n\r\n\r\n\r\n"
-                          "Land Use\r\nLand_Use:   mixed Forest\r\n\r\n\r\n");
-}
-
-TEST_F(InfoTest, FieldsDifferingOnlyInCaseInBothFormats)
-{
-    addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}, {"NAMX", 'C'}}, {{around, {txt("first"), txt("second")}}},
-             "Lakes", {{1, "NAME"}});
-    addLayer("31_protectedarea.shp", GeomKind::Polygon, {{"TYPE", 'C'}, {"Name", 'C'}, {"NAMX", 'C'}},
-             {{around, {txt("park"), txt("first"), txt("second")}}}, "Protected Areas", {{2, "NAME"}});
-    EXPECT_EQ(identify(),
-              "Protected Areas\r\nNAME : FIRST\r\nTYPE : PARK\r\n\r\n\r\n"
-              "Lakes\r\nName: first\r\nNAME: second\r\n\r\n\r\n");
+                          "Land Use\r\nLand_Use:   mixed Forest\r\n\r\n\r\n"
+                          "Protected Areas\r\nNAME : FIRST\r\nTYPE : PARK\r\n\r\n\r\n"
+                          "Lakes\r\nName: first\r\nNAME: second\r\n\r\n\r\n");
 }
 
 TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloadsAFailureKeepsTheText)

@@ -26,14 +26,10 @@ protected:
     MapLayerPtr layer(const std::string& name, const std::string& field, char type, const std::vector<AttrValue>& values)
     {
         std::vector<FeatureSpec> f;
-        for (size_t i = 0; i < values.size(); ++i) {
-            const std::string x0 = std::to_string(i * 10), x1 = std::to_string(i * 10 + 8);
-            f.push_back({"POLYGON((" + x0 + " 0, " + x1 + " 0, " + x1 + " 8, " + x0 + " 8, " + x0 + " 0))", {values[i]}});
-        }
+        for (size_t i = 0; i < values.size(); ++i) f.push_back({testsupport::box(i * 10.0, 0, i * 10.0 + 8, 8), {values[i]}});
         const std::string path = dir + "/" + name + ".shp";
         datagen::writeShapefile(path, GeomKind::Polygon, {{field, type, type == 'C' ? 40 : 19, type == 'C' ? 0 : 4}}, f, false);
-        auto l = std::make_shared<MapLayer>();
-        l->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
+        MapLayerPtr l = testsupport::layerOf(path);
         l->Name = QString::fromStdString(name);
         return map.Layers().Add(l), l;
     }

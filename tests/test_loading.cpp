@@ -19,12 +19,7 @@ const QString kLimitText = QStringLiteral(
     "Sorry, this program was not meant to handle more than 27 layers.  Please reduce the number of shape (.shp) "
     "files in the data directory.");
 
-class Loading : public ::testing::Test {
-protected:
-    void SetUp() override { main = &freshMain(); }
-    Map* map() { return main->Map1; }
-    FrmMain* main = nullptr;
-};
+using Loading = MainTest;
 
 // The full dataset loads; the limit message needs all 28 standard files and a
 // further entry listed behind the last of them, which is never looked at.

@@ -19,8 +19,7 @@ const auto* const kFifteenTwips = ::testing::AddGlobalTestEnvironment(new Fiftee
 
 using namespace datagen;
 
-std::string square(double x0, double y0, double x1, double y1)
-{ return QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(x0).arg(y0).arg(x1).arg(y1).toStdString(); }
+using testsupport::box;
 
 ShapePtr shapeOf(const std::string& wkt) { return shapeFromGeom(geomFromWkt(wkt.c_str())); }
 
@@ -66,9 +65,7 @@ protected:
     {
         const std::string path = dir + "/" + name + ".shp";
         datagen::writeShapefile(path, kind, fields, features, false);
-        auto l = std::make_shared<MapLayer>();
-        l->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
-        EXPECT_TRUE(l->GeoDataset()) << path;
+        MapLayerPtr l = testsupport::layerOf(path);
         l->Name = QString::fromStdString(name);
         return map.Layers().Add(l), l;
     }
@@ -97,9 +94,9 @@ TEST_F(MapTest, RefreshRaisesEventsForVisibleLayersBottomToTopAndOnlyChangesRend
     map.Refresh();
     EXPECT_EQ(log.events, QStringList({"before tracking", "after tracking"})) << "an empty map too";
 
-    polygons("a", {square(10, 10, 20, 20)}, Red);
-    polygons("b", {square(30, 30, 40, 40)}, Red)->Visible = false;
-    polygons("c", {square(50, 50, 60, 60)}, Red);  // c is on top, index 0; a is index 2
+    polygons("a", {box(10, 10, 20, 20)}, Red);
+    polygons("b", {box(30, 30, 40, 40)}, Red)->Visible = false;
+    polygons("c", {box(50, 50, 60, 60)}, Red);  // c is on top, index 0; a is index 2
     view100();
     log.clear();
     map.Refresh();
@@ -121,7 +118,7 @@ TEST_F(MapTest, RefreshRaisesEventsForVisibleLayersBottomToTopAndOnlyChangesRend
     QList<int> counts{int(log.events.size())};
     map.setExtent(Rectangle(0, 0, 50, 50)), counts << int(log.events.size());
     map.resize(240, 200), picture(), counts << int(log.events.size());
-    polygons("d", {square(60, 60, 70, 70)}, Blue), counts << int(log.events.size());
+    polygons("d", {box(60, 60, 70, 70)}, Blue), counts << int(log.events.size());
     picture(), counts << int(log.events.size());
     EXPECT_EQ(counts, QList<int>({0, 8, 16, 16, 26}));
 }
@@ -129,9 +126,9 @@ TEST_F(MapTest, RefreshRaisesEventsForVisibleLayersBottomToTopAndOnlyChangesRend
 TEST_F(MapTest, ShapesDrawnInFirstBeforeLayerDrawLieUnderEveryLayer)
 {
     // Bottom: an edge-only square on the right; top: a filled square on the left.
-    SymbolPtr edge = polygons("edge", {square(60, 10, 90, 90)}, Green)->Symbol;
+    SymbolPtr edge = polygons("edge", {box(60, 10, 90, 90)}, Green)->Symbol;
     edge->Style = 1, edge->Outline = true, edge->OutlineColor = Black;
-    polygons("fill", {square(0, 0, 50, 100)}, Red);
+    polygons("fill", {box(0, 0, 50, 100)}, Red);
     view100();
 
     // A result symbol as a query makes it: only Color and Outline set.
@@ -140,7 +137,7 @@ TEST_F(MapTest, ShapesDrawnInFirstBeforeLayerDrawLieUnderEveryLayer)
     QObject::connect(&map, &Map::BeforeLayerDraw, &map, [&](int index, QPainter*) {
         if (drawn) return;
         firstIndex = index;
-        map.DrawShape(shapeOf(square(0, 0, 100, 100)), solid(Blue));
+        map.DrawShape(shapeOf(box(0, 0, 100, 100)), solid(Blue));
         drawn = true;
     });
     QObject::connect(&map, &Map::AfterTrackingLayerDraw, &map, [&](QPainter*) { drawn = false; });
@@ -155,7 +152,7 @@ TEST_F(MapTest, ShapesDrawnInFirstBeforeLayerDrawLieUnderEveryLayer)
 
     // Outside a repaint it paints on the picture at once, without a redraw.
     EventLog log(map);
-    map.DrawShape(shapeOf(square(20, 90, 30, 95)), solid(Green));
+    map.DrawShape(shapeOf(box(20, 90, 30, 95)), solid(Green));
     EXPECT_TRUE(log.events.isEmpty());
     EXPECT_EQ(at(picture(), 25, 92), rgbOf(Green));
     EXPECT_THROW(map.DrawShape(nullptr, solid(Green)), MapError);
@@ -166,7 +163,7 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
     // One square per value, left to right; the null one keeps the layer symbol.
     const std::vector<AttrValue> values = {199.9, 200.0, 200.1, 300.0, 300.5, 1e6, -5.0, std::monostate{}};
     std::vector<FeatureSpec> f;
-    for (size_t i = 0; i < values.size(); ++i) f.push_back({square(i * 12.0 + 1, 40, i * 12.0 + 11, 60), {values[i]}});
+    for (size_t i = 0; i < values.size(); ++i) f.push_back({box(i * 12.0 + 1, 40, i * 12.0 + 11, 60), {values[i]}});
     MapLayerPtr l = layer("wind", GeomKind::Polygon, f, {{"WINDPWRD", 'N', 19, 4}});
     l->Symbol = solid(Grey);
     auto r = std::make_shared<ClassBreaksRenderer>();
@@ -185,7 +182,7 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
     // the layer symbol.
     const std::vector<std::string> texts = {"FOREST", " FOREST", "forest", "WATER"};
     std::vector<FeatureSpec> g;
-    for (size_t i = 0; i < texts.size(); ++i) g.push_back({square(i * 20.0 + 2, 60, i * 20.0 + 18, 80), {texts[i]}});
+    for (size_t i = 0; i < texts.size(); ++i) g.push_back({box(i * 20.0 + 2, 60, i * 20.0 + 18, 80), {texts[i]}});
     MapLayerPtr landuse = layer("landuse", GeomKind::Polygon, g, {{"LAND_USE", 'C', 40}});
     landuse->Symbol = solid(Grey);
     auto valueMap = std::make_shared<ValueMapRenderer>();
@@ -195,9 +192,9 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
 
     auto breaks = std::make_shared<ClassBreaksRenderer>();
     breaks->Field = "WINDPWRD", breaks->setBreakCount(1), breaks->Symbol(0)->Color = breaks->Symbol(1)->Color = Red;
-    MapLayerPtr noField = polygons("nofield", {square(10, 10, 30, 30)}, Green);
+    MapLayerPtr noField = polygons("nofield", {box(10, 10, 30, 30)}, Green);
     noField->Renderer = breaks;
-    MapLayerPtr text = layer("text", GeomKind::Polygon, {{square(60, 10, 80, 30), {std::string("abc")}}}, {{"WINDPWRD", 'C', 10}});
+    MapLayerPtr text = layer("text", GeomKind::Polygon, {{box(60, 10, 80, 30), {std::string("abc")}}}, {{"WINDPWRD", 'C', 10}});
     text->Symbol = solid(Blue), text->Renderer = breaks;
     img = picture();
 

@@ -17,15 +17,7 @@ using datagen::GeomKind;
 
 namespace {
 
-std::string square(double x, double y, double s)
-{ return QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(x).arg(y).arg(x + s).arg(y + s).toStdString(); }
-
-MapLayerPtr layerFor(const std::string& path)
-{
-    auto layer = std::make_shared<MapLayer>();
-    layer->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
-    return layer->GeoDataset() ? layer : nullptr;
-}
+std::string square(double x, double y, double s) { return testsupport::box(x, y, x + s, y + s); }
 
 // Eleven wind cells in a row, with values on and around the class breaks.
 std::string windFile(const std::string& dir)
@@ -52,7 +44,7 @@ std::vector<int> idsOf(const RecordsetPtr& rs)
 
 TEST(Selection, RangeExpressionsAreInclusiveNoneWhenNothingMatchesAndRecordsWalkInTableOrder)
 {
-    auto wind = layerFor(windFile(testsupport::tempDir("sel")));
+    auto wind = testsupport::layerOf(windFile(testsupport::tempDir("sel")));
     ASSERT_TRUE(wind);
     EXPECT_EQ(idsOf(wind->SearchExpression("WINDPWRD >= 200 AND WINDPWRD <= 800")), (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8}));
     EXPECT_EQ(idsOf(wind->SearchExpression("WINDPWRD >= 500 AND WINDPWRD <= 10000")), (std::vector<int>{5, 6, 7, 8, 9}));
@@ -90,7 +82,7 @@ TEST(Selection, RepeatedValuesNullsAndRecordNumbersSelectAsRecordByRecord)
     const datagen::AttrValue values[] = {5.5, std::monostate{}, 5.5, 6.75, 4.0, std::monostate{}, 6.75, 5.5};
     for (int i = 0; i < 8; ++i) f.push_back({square(i * 10.0, 0, 10), {values[i], (long long)(i % 3)}});
     datagen::writeShapefile(path, GeomKind::Polygon, {{"ANNGLO", 'N', 19, 8}, {"ZONE", 'I'}}, f);
-    auto grid = layerFor(path);
+    auto grid = testsupport::layerOf(path);
     ASSERT_TRUE(grid);
     EXPECT_EQ(idsOf(grid->SearchExpression("ANNGLO >= 5 AND ANNGLO <= 6.5")), (std::vector<int>{0, 2, 7}));
     EXPECT_EQ(idsOf(grid->SearchExpression("ANNGLO IS NULL")), (std::vector<int>{1, 5}));
@@ -105,7 +97,7 @@ TEST(Selection, RepeatedValuesNullsAndRecordNumbersSelectAsRecordByRecord)
     std::vector<FeatureSpec> cells;
     for (int i = 0; i < 5000; ++i) cells.push_back({square(i, 0, 1), {double(i), (long long)(i % 50)}});
     datagen::writeShapefile(bigPath, GeomKind::Polygon, {{"ANNGLO", 'N', 19, 8}, {"ZONE", 'I'}}, cells);
-    auto big = layerFor(bigPath);
+    auto big = testsupport::layerOf(bigPath);
     ASSERT_TRUE(big);
     const std::vector<int> ranged = idsOf(big->SearchExpression("ANNGLO >= 100 AND ANNGLO < 4200"));
     ASSERT_EQ(ranged.size(), 4100u);
@@ -123,7 +115,7 @@ TEST(Selection, TextsKeepLeadingBlanksAndTheExpressionSeesThem)
     const char* names[] = {"  forest", "forest", "", "FOREST ", "  forest", "O'Brien"};
     for (int i = 0; i < 6; ++i) f.push_back({square(i * 10.0, 0, 10), {std::string(names[i])}});
     datagen::writeShapefile(path, GeomKind::Polygon, {{"LAND_USE", 'C', 40}}, f);
-    auto lu = layerFor(path);
+    auto lu = testsupport::layerOf(path);
     ASSERT_TRUE(lu);
     auto all = lu->Records();
     QStringList seen;
@@ -168,7 +160,7 @@ TEST(Overlays, AreasAgainstHandComputedValues)
 TEST(SearchByDistance, PolygonsContainOrTouchPointsLieWithinTheDistance)
 {
     const std::string dir = testsupport::tempDir("near");
-    auto wind = layerFor(windFile(dir));
+    auto wind = testsupport::layerOf(windFile(dir));
     auto at = [&](double x, double y, double d) { return idsOf(wind->SearchByDistance(std::make_shared<Point>(x, y), d, "")); };
     EXPECT_EQ(at(500, 500, 0), std::vector<int>{0});
     EXPECT_EQ(at(1000, 500, 0), (std::vector<int>{0, 1}));  // on the shared edge

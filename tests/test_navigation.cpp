@@ -35,14 +35,10 @@ QString projectedWkt(const QString& unit, double toMetres = 1.0)
 // One standard file with a polygon over the box and a projection file of the text (none when empty).
 void writeLayer(const QString& dir, const QString& name, double l, double b, double r, double t, const QString& wkt)
 {
-    const QString box = QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(l).arg(b).arg(r).arg(t);
     datagen::writeShapefile(QDir(dir).filePath(name).toStdString(), datagen::GeomKind::Polygon, {{"ID", 'I'}},
-                            {{box.toStdString(), {1LL}}}, false);
-    if (!wkt.isEmpty()) {
-        QFile prj(QDir(dir).filePath(QString(name).replace(".shp", ".prj")));
-        ASSERT_TRUE(prj.open(QIODevice::WriteOnly));
-        prj.write(wkt.toUtf8());
-    }
+                            {{testsupport::box(l, b, r, t), {1LL}}}, false);
+    if (QFile prj(QDir(dir).filePath(QString(name).replace(".shp", ".prj"))); !wkt.isEmpty())
+        ASSERT_TRUE(prj.open(QIODevice::WriteOnly) && prj.write(wkt.toUtf8()) > 0);
 }
 
 // Loads only the country boundary in the system, over 20 by 20 degrees or 2000 by 2000 km.
@@ -54,6 +50,7 @@ void loadCountry(const std::string& name, const QString& wkt)
     loadDirectory(dir);
 }
 
+// The platform passed the coordinates by reference.
 double miles(Map* map, double lon1, double lat1, double lon2, double lat2) { return DegreesToMiles(map, lon1, lat1, lon2, lat2); }
 
 // A view exactly w wide about (cx, cy), in the control's proportions so that the map keeps that width.
@@ -63,13 +60,7 @@ void showWidth(Map* map, double cx, double cy, double w)
     map->setExtent(Rectangle(cx - w / 2, cy - h / 2, cx + w / 2, cy + h / 2));
 }
 
-class Navigation : public ::testing::Test {
-protected:
-    void SetUp() override { main = &freshMain(); }
-    void TearDown() override { unloadFrmMain(); }
-    FrmMain* main = nullptr;
-    Map* map() { return main->Map1; }
-};
+using Navigation = MainTest;
 
 // Unit names are compared in lower case; only degree and meter convert.
 TEST_F(Navigation, ScaleTextsByUnit)
@@ -137,25 +128,25 @@ TEST_F(Navigation, ZoomButtonsAboutTheCentreAndClicksAboutTheirPoint)
     main->cmdOriginalMap_Click();
     const RectanglePtr start = map()->Extent();
     const double cx = (start->Left + start->Right) / 2, cy = (start->Top + start->Bottom) / 2;
-    auto widthIs = [&](double k) { EXPECT_NEAR(map()->Extent()->Width(), start->Width() * k, 1e-6 * start->Width()); };
-    EXPECT_FALSE(Visible(main->cmdOriginalMap));
+    // The width against the full view, and whether the way back to it is offered.
+    auto expectView = [&](double k, bool back) {
+        EXPECT_NEAR(map()->Extent()->Width(), start->Width() * k, 1e-6 * start->Width());
+        EXPECT_EQ(Visible(main->cmdOriginalMap), back) << k;
+    };
+    expectView(1, false);
 
     bQueryDrawn = true;
     main->cmdZoomIn->click();
     const RectanglePtr e = map()->Extent();
-    widthIs(0.5);
+    expectView(0.5, true);  // the repaint showed the way back
     EXPECT_LT(std::hypot((e->Left + e->Right) / 2 - cx, (e->Top + e->Bottom) / 2 - cy), 1e-6 * start->Width());
-    EXPECT_TRUE(!bQueryDrawn && Visible(main->cmdOriginalMap));  // the repaint showed the way back
-
+    EXPECT_FALSE(bQueryDrawn);
     main->cmdZoomOut->click(), main->cmdZoomOut->click();
-    widthIs(2);
-    EXPECT_FALSE(Visible(main->cmdOriginalMap));
-
+    expectView(2, false);
     for (int i = 0; i < 3; ++i) main->cmdZoomIn->click();
-    EXPECT_TRUE(Visible(main->cmdOriginalMap));
+    expectView(0.25, true);
     main->cmdOriginalMap->click();
-    widthIs(1);
-    EXPECT_FALSE(Visible(main->cmdOriginalMap));
+    expectView(1, false);
 
     // Panned away at the full size: no way back is offered.
     map()->CenterAt(cx + start->Width() / 3, cy);

@@ -20,16 +20,10 @@ MapLayerPtr landUseLayer(const std::string& name, const std::vector<std::string>
 {
     const std::string path = testsupport::tempDir(name) + "/02_landuse.shp";
     std::vector<datagen::FeatureSpec> features;
-    int i = 0;
-    for (const std::string& v : values) {
-        const std::string x = std::to_string(100 * i++);
-        features.push_back({"POLYGON((" + x + " 0," + x + " 50,60 50,60 0," + x + " 0))", {v}});
-    }
+    for (const std::string& v : values)
+        features.push_back({testsupport::box(100.0 * features.size(), 0, 100.0 * features.size() + 60, 50), {v}});
     datagen::writeShapefile(path, datagen::GeomKind::Polygon, {{field, 'C', 60}}, features);
-    auto layer = std::make_shared<MapLayer>();
-    layer->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
-    EXPECT_TRUE(layer->GeoDataset()) << path;
-    return layer;
+    return testsupport::layerOf(path);
 }
 
 ValueMapRendererPtr landUseRenderer(const MapLayerPtr& layer)

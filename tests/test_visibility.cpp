@@ -25,12 +25,8 @@ const QStringList kLeftAlone = {"13_solar_direct.shp", "14_solar_glo.shp", "15_s
                                 "17_solar_direct.shp", "18_solar_tilt.shp", "21_wind.shp",     "22_wind.shp",
                                 "39_countryboundary.shp"};
 
-class Visibility : public ::testing::Test {
+class Visibility : public MainTest {
 protected:
-    void SetUp() override { main = &freshMain(); }
-    void TearDown() override { unloadFrmMain(); }
-    FrmMain* main = nullptr;
-    Map* map() { return main->Map1; }
     MapLayerPtr layer(const QString& tag) { return map()->Layers().Item(cLayerIndex->Item(tag)); }
     void setAll(bool on) { for (const MapLayerPtr& l : map()->Layers()) l->Visible = on; }
     QString label() { return main->lblLayersCurrentlyDisplayed->text(); }
@@ -102,8 +98,7 @@ TEST_F(Visibility, TheLabelListsVisibleLayersTopFirstWithTrailingSeparators)
     EXPECT_EQ(refilled(), "- No layers found -");
 
     const QString dir = q(testsupport::tempDir("label"));
-    for (const char* f : {"21_wind.shp", "30_lakes.shp", "39_countryboundary.shp"})
-        writeFeaturesIn(dir, f, 1);
+    for (const char* file : {"21_wind.shp", "30_lakes.shp", "39_countryboundary.shp"}) writeFeaturesIn(dir, file, 1);
     loadDirectory(dir);
     QStringList texts{label()};
     setAll(true);
