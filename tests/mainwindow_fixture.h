@@ -59,16 +59,6 @@ inline void writeFeaturesIn(const QString& dir, const QString& file, int n,
     writeFeatures(QDir(dir).filePath(file).toStdString(), n, kind);
 }
 
-// A copy of a generated dataset, for cases that add or remove files.
-inline QString copyOfDataset(const std::string& name, const std::set<std::string>& omit = {})
-{
-    const QString src = q(testsupport::dataset("small", 1, omit));
-    const QString dst = q(testsupport::tempDir(name));
-    for (const QString& f : QDir(src).entryList(QDir::Files))
-        QFile::copy(QDir(src).filePath(f), QDir(dst).filePath(f));
-    return dst;
-}
-
 // Loads a directory as if any file in it had been picked.
 inline void loadDirectory(const QString& dir, const QString& picked = QStringLiteral("picked.shp"))
 {

@@ -3,7 +3,7 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <fstream>
+#include <QFile>
 
 #include "app/frmMain.h"
 #include "datagen.h"
@@ -32,12 +32,9 @@ datagen::AttrValue txt(const char* s) { return std::string(s); }
 // The .dbf writer refuses names differing only in case: the second is respelt in the header afterwards.
 void renameDbfField(const std::string& dbfPath, int index, const std::string& name)
 {
-    std::fstream f(dbfPath, std::ios::in | std::ios::out | std::ios::binary);
-    ASSERT_TRUE(f.is_open());
-    char field[11] = {};
-    std::copy(name.begin(), name.end(), field);
-    f.seekp(32 + 32 * index);
-    f.write(field, 11);
+    QFile f(QString::fromStdString(dbfPath));
+    ASSERT_TRUE(f.open(QIODevice::ReadWrite) && f.seek(32 + 32 * index));
+    f.write(QByteArray::fromStdString(name).leftJustified(11, '\0'));
 }
 
 class InfoTest : public ::testing::Test {

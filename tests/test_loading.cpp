@@ -30,7 +30,8 @@ TEST_F(Loading, FullDatasetStacksByNameAndTheLimitMessageOnlyWhenAnEntryFollowsT
     for (const auto& [extra, message] : {std::pair{"", false}, {"zz_extra", true}, {"00_extra", false}}) {
         SCOPED_TRACE(extra);
         freshMain();
-        const QString dir = copyOfDataset(std::string("limit") + extra);
+        const QString dir = q(testsupport::tempDir(std::string("limit") + extra));
+        datagen::generate(dir.toStdString(), {});
         if (*extra) writeFeatures(QDir(dir).filePath(QString(extra) + ".shp").toStdString(), 1);
         loadDirectory(dir);
         // Stacked by name with the cities on top, every tag indexed, styled by the presentation table.

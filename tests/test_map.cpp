@@ -70,11 +70,10 @@ protected:
         return map.Layers().Add(l), l;
     }
 
-    MapLayerPtr polygons(const std::string& name, const std::vector<std::string>& wkts, int color)
+    // A layer of one rectangle filled with the colour.
+    MapLayerPtr filled(const std::string& name, double x0, double y0, double x1, double y1, int color)
     {
-        std::vector<FeatureSpec> f;
-        for (const auto& w : wkts) f.push_back({w, {1.0}});
-        MapLayerPtr l = layer(name, GeomKind::Polygon, f);
+        MapLayerPtr l = layer(name, GeomKind::Polygon, {{box(x0, y0, x1, y1), {1.0}}});
         return l->Symbol = solid(color), l;
     }
 
@@ -94,9 +93,9 @@ TEST_F(MapTest, RefreshRaisesEventsForVisibleLayersBottomToTopAndOnlyChangesRend
     map.Refresh();
     EXPECT_EQ(log.events, QStringList({"before tracking", "after tracking"})) << "an empty map too";
 
-    polygons("a", {box(10, 10, 20, 20)}, Red);
-    polygons("b", {box(30, 30, 40, 40)}, Red)->Visible = false;
-    polygons("c", {box(50, 50, 60, 60)}, Red);  // c is on top, index 0; a is index 2
+    filled("a", 10, 10, 20, 20, Red);
+    filled("b", 30, 30, 40, 40, Red)->Visible = false;
+    filled("c", 50, 50, 60, 60, Red);  // c is on top, index 0; a is index 2
     view100();
     log.clear();
     map.Refresh();
@@ -118,7 +117,7 @@ TEST_F(MapTest, RefreshRaisesEventsForVisibleLayersBottomToTopAndOnlyChangesRend
     QList<int> counts{int(log.events.size())};
     map.setExtent(Rectangle(0, 0, 50, 50)), counts << int(log.events.size());
     map.resize(240, 200), picture(), counts << int(log.events.size());
-    polygons("d", {box(60, 60, 70, 70)}, Blue), counts << int(log.events.size());
+    filled("d", 60, 60, 70, 70, Blue), counts << int(log.events.size());
     picture(), counts << int(log.events.size());
     EXPECT_EQ(counts, QList<int>({0, 8, 16, 16, 26}));
 }
@@ -126,9 +125,9 @@ TEST_F(MapTest, RefreshRaisesEventsForVisibleLayersBottomToTopAndOnlyChangesRend
 TEST_F(MapTest, ShapesDrawnInFirstBeforeLayerDrawLieUnderEveryLayer)
 {
     // Bottom: an edge-only square on the right; top: a filled square on the left.
-    SymbolPtr edge = polygons("edge", {box(60, 10, 90, 90)}, Green)->Symbol;
+    SymbolPtr edge = filled("edge", 60, 10, 90, 90, Green)->Symbol;
     edge->Style = 1, edge->Outline = true, edge->OutlineColor = Black;
-    polygons("fill", {box(0, 0, 50, 100)}, Red);
+    filled("fill", 0, 0, 50, 100, Red);
     view100();
 
     // A result symbol as a query makes it: only Color and Outline set.
@@ -192,7 +191,7 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
 
     auto breaks = std::make_shared<ClassBreaksRenderer>();
     breaks->Field = "WINDPWRD", breaks->setBreakCount(1), breaks->Symbol(0)->Color = breaks->Symbol(1)->Color = Red;
-    MapLayerPtr noField = polygons("nofield", {box(10, 10, 30, 30)}, Green);
+    MapLayerPtr noField = filled("nofield", 10, 10, 30, 30, Green);
     noField->Renderer = breaks;
     MapLayerPtr text = layer("text", GeomKind::Polygon, {{box(60, 10, 80, 30), {std::string("abc")}}}, {{"WINDPWRD", 'C', 10}});
     text->Symbol = solid(Blue), text->Renderer = breaks;

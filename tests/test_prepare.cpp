@@ -43,11 +43,7 @@ void writeTiff(const std::string& path, int epsg, double x0, double yTop, double
     GDALDatasetUniquePtr ds(GetGDALDriverManager()->GetDriverByName("GTiff")->Create(path.c_str(), w, h, 1, type, nullptr));
     double gt[6] = {x0, pixel, 0, yTop, 0, -pixel};
     ds->SetGeoTransform(gt);
-    if (epsg) {
-        OGRSpatialReference srs;
-        srs.importFromEPSG(epsg);
-        ds->SetSpatialRef(&srs);
-    }
+    if (OGRSpatialReference srs; epsg && srs.importFromEPSG(epsg) == OGRERR_NONE) ds->SetSpatialRef(&srs);
     ds->GetRasterBand(1)->SetNoDataValue(noData);
     ASSERT_EQ(ds->GetRasterBand(1)->RasterIO(GF_Write, 0, 0, w, h, const_cast<double*>(values.data()), w, h,
                                              GDT_Float64, 0, 0), CE_None);
