@@ -1,6 +1,5 @@
-// The dataset generator: the files the program expects, the quirks of their
-// texts and values, determinism, and the size of the large dataset. The files
-// are read back as the program reads them.
+// The dataset generator: the files the program expects, the quirks of their texts and values, determinism, and the size
+// of the large dataset. The files are read back as the program reads them.
 #include <gtest/gtest.h>
 
 #include <filesystem>

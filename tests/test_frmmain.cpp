@@ -133,8 +133,7 @@ TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSizeByTheMarginsMeasuredAtLoad)
     EXPECT_NO_BOXES();
 }
 
-// The enabled state after each way into it: start, a load with layers, a
-// load without, and a query run.
+// The enabled state after each way into it: start, a load with layers, a load without, and a query run.
 TEST_F(MainWindow, EnabledStateFollowsTheStateTable)
 {
     auto navigation = [&] {

@@ -132,8 +132,7 @@ TEST_F(InfoTest, PointsAndLinesWithinTheToleranceOfTheExtent)
     EXPECT_EQ(IdentifyTextAt(x, y), "Airports\r\nNAME: near\r\n\r\n\r\n");
 }
 
-// Hidden layers and the country boundary are never listed; sorted layers
-// follow their list, not the table.
+// Hidden layers and the country boundary are never listed; sorted layers follow their list, not the table.
 TEST_F(InfoTest, SortedLayersFollowTheirListNotTheTable)
 {
     for (const char* tag : {"39_countryboundary.shp", "39_COUNTRYBOUNDARY.SHP"})
@@ -154,10 +153,9 @@ TEST_F(InfoTest, SortedLayersFollowTheirListNotTheTable)
               "NAME : ASH\r\nTYPE : VILLAGE\r\nPOP : 7\r\n\r\n\r\n");
 }
 
-// Layers without a list (a Tag differing in case from the table has none)
-// show their name and blank lines; listed fields a table lacks are left out;
-// plain layers keep the table's order, spelling and values. Fields differing
-// only in case show in both formats.
+// Layers without a list (a Tag differing in case from the table has none) show their name and blank lines; listed
+// fields a table lacks are left out; plain layers keep the table's order, spelling and values. Fields differing only in
+// case show in both formats.
 TEST_F(InfoTest, PlainUnlistedIncompleteLayersAndFieldsDifferingOnlyInCase)
 {
     addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}, {"NAMX", 'C'}}, {{around, {txt("first"), txt("second")}}},
@@ -204,10 +202,9 @@ TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloadsAFailureKe
     EXPECT_EQ(recorder().texts(), QStringList{" Error while Trying to activate Info Form. Error Source:frmInfo.Form_Activate()"});
 }
 
-// Each activation searches again with the stored press position: after a
-// zoom the same position is another map point. Closing one of our own boxes
-// gives the form the focus back; that is no new activation, or a failing
-// search would show its box again and again.
+// Each activation searches again with the stored press position: after a zoom the same position is another map point.
+// Closing one of our own boxes gives the form the focus back; that is no new activation, or a failing search would show
+// its box again and again.
 TEST_F(InfoTest, EachActivationSearchesAgainAtTheStoredPositionButNotAReturnFromAModalBox)
 {
     addLayer("53_airports.shp", GeomKind::Point, {{"NAME", 'C'}},

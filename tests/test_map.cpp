@@ -144,8 +144,7 @@ TEST_F(MapTest, ShapesDrawnInFirstBeforeLayerDrawLieUnderEveryLayer)
     QImage img = picture();
 
     EXPECT_EQ(firstIndex, 1);
-    // A filled layer covers the result; it shows solid through an edge-only
-    // layer, whose edge lies over it.
+    // A filled layer covers the result; it shows solid through an edge-only layer, whose edge lies over it.
     EXPECT_EQ(QList<QRgb>({at(img, 25, 50), at(img, 75, 50), at(img, 55, 50), at(img, 60, 50)}),
               QList<QRgb>({rgbOf(Red), rgbOf(Blue), rgbOf(Blue), rgbOf(Black)}));
 
@@ -176,9 +175,8 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
     const int expected[] = {colors[0], colors[0], colors[1], colors[1], colors[2], colors[2], colors[0], Grey};
     for (size_t i = 0; i < values.size(); ++i) EXPECT_EQ(at(img, i * 12.0 + 6, 50), rgbOf(expected[i])) << "square " << i;
 
-    // Value maps match the stored text exactly, with case and leading blanks; a
-    // renderer on a field the layer lacks, or on text that is no number, leaves
-    // the layer symbol.
+    // Value maps match the stored text exactly, with case and leading blanks; a renderer on a field the layer lacks, or
+    // on text that is no number, leaves the layer symbol.
     const std::vector<std::string> texts = {"FOREST", " FOREST", "forest", "WATER"};
     std::vector<FeatureSpec> g;
     for (size_t i = 0; i < texts.size(); ++i) g.push_back({box(i * 20.0 + 2, 60, i * 20.0 + 18, 80), {texts[i]}});

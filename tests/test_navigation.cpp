@@ -110,8 +110,7 @@ TEST_F(Navigation, DistancesOnTheSpheroidAndFailedCalculations)
     EXPECT_DOUBLE_EQ(DegToRad(180.0), 3.14159265358979);
     EXPECT_NO_BOXES();
 
-    // A projected top layer measures on the fall-back spheroid, which is the
-    // same here, so the worked value holds.
+    // A projected top layer measures on the fall-back spheroid, which is the same here, so the worked value holds.
     loadCountry("spheroid-tm", projectedWkt("Meter"));
     EXPECT_NEAR(miles(map(), 0, 40, 10, 40), 530.3584, 0.00005);
 

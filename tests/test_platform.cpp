@@ -1,5 +1,4 @@
-// Number texts, conversions and the keyed collection: many exact texts of
-// the program hang on these.
+// Number texts, conversions and the keyed collection: many exact texts of the program hang on these.
 #include <gtest/gtest.h>
 
 #include <tuple>

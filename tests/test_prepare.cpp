@@ -62,8 +62,7 @@ void writeGeoJson(const std::string& path, const std::vector<std::pair<std::stri
     writeText(path, R"({"type":"FeatureCollection","features":[)" + text + "]}");
 }
 
-// The country "Home", 2 km high and `width` m wide, in the generated system
-// (EPSG:32633), and a neighbour far away.
+// The country "Home", 2 km high and `width` m wide, in the generated system (EPSG:32633), and a neighbour far away.
 void writeBoundary(const std::string& dir, double width)
 {
     datagen::writeShapefile(dir + "/boundary.shp", datagen::GeomKind::Polygon, {{"NAME", 'C', 20}},
@@ -191,8 +190,7 @@ TEST(Prepare, GeneratedSourcesOpenInTheProgramAndAQueryRuns)
     EXPECT_GE(QueryDataTable().value_or(std::vector<QueryDataRow>{}).size(), 3u);
 }
 
-// Each bad input names the recipe line and the source, exits with 2 and
-// leaves OUTDIR as it was.
+// Each bad input names the recipe line and the source, exits with 2 and leaves OUTDIR as it was.
 TEST(Prepare, BadInputIsRefusedWithItsLineAndOutdirStaysUntouched)
 {
     const std::string dir = testsupport::tempDir("prepare-bad");
