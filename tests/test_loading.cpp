@@ -57,8 +57,7 @@ TEST_F(Loading, RefusedConnectionOrNoShapefilesKeepTheLegendAndNoStandardFileEmp
     const QString missing = q(testsupport::tempDir("refused")) + "/not-there";
     loadDirectory(missing);
 
-    ASSERT_EQ(recorder().boxes.size(), 1u);
-    EXPECT_EQ(recorder().boxes[0].text, "No data found... Data Connection error #1");
+    ASSERT_EQ(recorder().texts(), QStringList{"No data found... Data Connection error #1"});
     EXPECT_EQ(recorder().boxes[0].icon, seam::Icon::Exclamation);
     EXPECT_TRUE(map()->Layers().Count() == 0 && cLayerIndex->Count() == 0 && main->legend->entryCount() == 28);
     EXPECT_TRUE(sDataDirectory == missing + "/" && oDataConnection && oDataConnection->Database == missing + "/");
@@ -71,8 +70,7 @@ TEST_F(Loading, RefusedConnectionOrNoShapefilesKeepTheLegendAndNoStandardFileEmp
 
     // Shapefiles, none standard: the legend is emptied and the label says so.
     const QString other = q(testsupport::tempDir("no-standard"));
-    writeFeaturesIn(other, "parcels.shp", 3);
-    writeFeaturesIn(other, "15_solar_direct.shp", 3);
+    for (const char* file : {"parcels.shp", "15_solar_direct.shp"}) writeFeaturesIn(other, file, 3);
     loadDirectory(other, "parcels.shp");
     EXPECT_NO_BOXES();
     EXPECT_TRUE(map()->Layers().Count() == 0 && main->legend->entryCount() == 0);
@@ -155,8 +153,7 @@ TEST_F(Loading, OpenDatasetUsesOnlyTheDirectoryOfThePickAndAddLayerTakesOneFileU
 
     // Any file of the directory will do, also one that is not standard.
     const QString dir = q(testsupport::tempDir("open"));
-    writeFeaturesIn(dir, "parcels.shp", 1);
-    writeFeaturesIn(dir, "38_subcountrybnd1.shp", 2);
+    for (const char* file : {"parcels.shp", "38_subcountrybnd1.shp"}) writeFeaturesIn(dir, file, 1);
     auto pick = [&](const QString& path) { recorder().files.push_back(testsupport::fileAnswer(path)); };
     pick(QDir(dir).filePath("parcels.shp")), main->mnuOpen_Click();
     EXPECT_TRUE(tags(map()) == QStringList{"38_subcountrybnd1.shp"} && sDataDirectory == dir + "/");

@@ -109,8 +109,7 @@ TEST(Selection, RepeatedValuesNullsAndRecordNumbersSelectAsRecordByRecord)
 
 TEST(Selection, TextsKeepLeadingBlanksAndTheExpressionSeesThem)
 {
-    const std::string dir = testsupport::tempDir("text");
-    const std::string path = dir + "/02_landuse.shp";
+    const std::string path = testsupport::tempDir("text") + "/02_landuse.shp";
     std::vector<FeatureSpec> f;
     const char* names[] = {"  forest", "forest", "", "FOREST ", "  forest", "O'Brien"};
     for (int i = 0; i < 6; ++i) f.push_back({square(i * 10.0, 0, 10), {std::string(names[i])}});
@@ -159,8 +158,7 @@ TEST(Overlays, AreasAgainstHandComputedValues)
 
 TEST(SearchByDistance, PolygonsContainOrTouchPointsLieWithinTheDistance)
 {
-    const std::string dir = testsupport::tempDir("near");
-    auto wind = testsupport::layerOf(windFile(dir));
+    auto wind = testsupport::layerOf(windFile(testsupport::tempDir("near")));
     auto at = [&](double x, double y, double d) { return idsOf(wind->SearchByDistance(std::make_shared<Point>(x, y), d, "")); };
     EXPECT_EQ(at(500, 500, 0), std::vector<int>{0});
     EXPECT_EQ(at(1000, 500, 0), (std::vector<int>{0, 1}));  // on the shared edge

@@ -33,6 +33,14 @@ ValueMapRendererPtr landUseRenderer(const MapLayerPtr& layer)
     return std::dynamic_pointer_cast<ValueMapRenderer>(layer->Renderer);
 }
 
+// A layer given the properties of the standard file and the display name.
+MapLayerPtr styled(const char* file, const QString& name = "")
+{
+    auto layer = std::make_shared<MapLayer>();
+    SetLayerProperties(layer, file, name);
+    return layer;
+}
+
 class Presentation : public ::testing::Test {
 protected:
     void SetUp() override { recorder().clear(); }
@@ -62,9 +70,7 @@ TEST_F(Presentation, FieldsWithoutAClassTableAndTheFailuresOfRenderersAndPropert
     recorder().clear();
 
     // The land-use renderer fails without data; it reports itself and the layer is still named.
-    auto bare = std::make_shared<MapLayer>();
-    SetLayerProperties(bare, "02_landuse.shp", "");
-    EXPECT_EQ(bare->Name, "Land Use");
+    EXPECT_EQ(styled("02_landuse.shp")->Name, "Land Use");
     EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.LayerRenderer()"});
     recorder().clear();
     SetLayerProperties(nullptr, "43_roads.shp", "");
@@ -124,8 +130,7 @@ TEST_F(Presentation, LayerPropertiesTable)
     auto orDefault = [&](auto v, auto def) { return v == D ? def : decltype(def)(v); };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.file);
-        auto layer = std::make_shared<MapLayer>();
-        SetLayerProperties(layer, row.file, given);
+        const MapLayerPtr layer = styled(row.file, given);
         EXPECT_NE(layer->Name, given);
         const Symbol& s = *layer->Symbol;
         EXPECT_EQ((std::tuple{s.Color, s.Style, s.Outline, s.OutlineColor, s.Size}),
@@ -133,20 +138,13 @@ TEST_F(Presentation, LayerPropertiesTable)
                               orDefault(row.outlineColour, d.OutlineColor), row.size == D ? d.Size : row.size}));
     }
     for (const char* solar : {"11_solar_direct.shp", "15_solar_direct.shp", "15_solar_glo.shp", "16_solar_tilt.shp"}) {
-        auto layer = std::make_shared<MapLayer>();
-        SetLayerProperties(layer, solar, given);
+        const MapLayerPtr layer = styled(solar, given);
         EXPECT_TRUE(layer->Name == given && !layer->Visible) << solar;  // solar layers start hidden
     }
-    auto conc = std::make_shared<MapLayer>();
-    SetLayerProperties(conc, "15_solar_direct.shp", "");
-    EXPECT_EQ(conc->Name, "40 km Solar Concentrators Annual Average(KWH/M2/DAY)");
+    EXPECT_EQ(styled("15_solar_direct.shp")->Name, "40 km Solar Concentrators Annual Average(KWH/M2/DAY)");
     // The wind layer's own symbol has no outline; the state boundaries are labelled.
-    auto wind = std::make_shared<MapLayer>();
-    SetLayerProperties(wind, "20_wind.shp", given);
-    EXPECT_FALSE(wind->Symbol->Outline);
-    auto states = std::make_shared<MapLayer>();
-    SetLayerProperties(states, "38_subcountrybnd1.shp", "");
-    auto labels = std::dynamic_pointer_cast<LabelRenderer>(states->Renderer);
+    EXPECT_FALSE(styled("20_wind.shp", given)->Symbol->Outline);
+    auto labels = std::dynamic_pointer_cast<LabelRenderer>(styled("38_subcountrybnd1.shp")->Renderer);
     ASSERT_TRUE(labels);
     const auto& font = labels->Symbol(0)->Font;
     EXPECT_EQ((std::tuple{labels->AllowDuplicates, font.Name, font.Bold, font.Size}),
