@@ -31,7 +31,7 @@ QString captionOf(QWidget* w)
 QRect rectOf(const TwipsRect& r) { return QRect(r.Left, r.Top, r.Width, r.Height); }
 
 // A sample of the design, some controls of each container.
-TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
+TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptionsAndEditOrLegendWaitsForTheFirstQuery)
 {
     struct Placed { const char* name; QWidget *widget, *container; QRect at; QString caption; };
     const Placed table[] = {
@@ -65,6 +65,15 @@ TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
     QStringList menus;
     for (QAction* a : f.mnuFile->actions() + f.menuBar()->actions()) menus << a->text();
     EXPECT_EQ(menus, (QStringList{"Open Dataset...", "Save Result", "Print", "Exit", "File", "Help"}));
+    // The Edit/Legend choice waits for the first query.
+    QStringList shown;
+    auto look = [&] { shown << QString(Visible(f.fraEdit) ? "edit" : "") + (Visible(f.fraLegend) ? "legend" : ""); };
+    f.optEditLegend[1]->setChecked(true), look();  // no effect while the start-up picture shows
+    f.bFirstQuery = false;
+    f.optEditLegend[0]->setChecked(true), f.optEditLegend[1]->setChecked(true), look();
+    f.optEditLegend_Click(0), look();
+    f.EditOrLegend(2), look();  // any other index shows neither panel
+    EXPECT_EQ(shown, (QStringList{"edit", "legend", "edit", ""}));
 }
 
 // Each option button and check box shows a dark mark in its light box when
@@ -176,19 +185,8 @@ TEST_F(MainWindow, EnabledStateFollowsTheStateTable)
     EXPECT_NO_BOXES();
 }
 
-TEST_F(MainWindow, EditOrLegendWaitsForTheFirstQuery)
-{
-    QStringList shown;
-    auto look = [&] { shown << QString(Visible(f.fraEdit) ? "edit" : "") + (Visible(f.fraLegend) ? "legend" : ""); };
-    f.optEditLegend[1]->setChecked(true), look();  // no effect while the start-up picture shows
-    f.bFirstQuery = false;
-    f.optEditLegend[0]->setChecked(true), f.optEditLegend[1]->setChecked(true), look();
-    f.optEditLegend_Click(0), look();
-    f.EditOrLegend(2), look();  // any other index shows neither panel
-    EXPECT_EQ(shown, (QStringList{"edit", "legend", "edit", ""}));
-}
 
-TEST_F(MainWindow, ExitUnloadsEveryFormAndTheNextUseStartsAfresh)
+TEST_F(MainWindow, ExitUnloadsEveryFormTheNextUseStartsAfreshAndTheSplashShowsTheMainFormWhenDismissed)
 {
     frmShowLayersDialog();
     loadDirectory(q(testsupport::dataset()));
@@ -197,9 +195,29 @@ TEST_F(MainWindow, ExitUnloadsEveryFormAndTheNextUseStartsAfresh)
 
     main->mnuExit_Click();
     EXPECT_FALSE(frmMainExists() || frmShowLayersDialogExists() || frmInfoExists());
-    EXPECT_NO_BOXES();
     // A new form is made and loaded at the next use, with an empty map.
     EXPECT_TRUE(frmMain().bFormLoaded && frmMain().Map1->Layers().Count() == 0);
+
+    // At start the splash loads the main form and shows it when dismissed.
+    unloadFrmMain();
+    ResetProgramState();
+    FrmSplash& s = frmSplash();
+    EXPECT_EQ(s.lblVersion->text(), "Version 1.2.0   (Click anywhere to continue)");
+    EXPECT_EQ(s.imgSplash->pixmap().deviceIndependentSize().toSize(), s.imgSplash->size());  // the picture fills its control
+    ASSERT_TRUE(frmMainExists() && frmShowLayersDialogExists());
+    EXPECT_TRUE(frmMain().bFormLoaded && !frmMain().isVisible() && !frmShowLayersDialog().isVisible());
+
+    // A click on the version label does nothing; one on the picture ends the
+    // splash and shows the main form; so does a key.
+    QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ");
+    QCoreApplication::sendEvent(s.lblVersion, &press);
+    EXPECT_TRUE(frmSplashExists() && !frmMain().isVisible());
+    QCoreApplication::sendEvent(s.imgSplash, &press);
+    EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
+    QCoreApplication::sendEvent((unloadFrmMain(), &frmSplash()), &key);
+    EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
+    EXPECT_NO_BOXES();
 }
 
 class UrlCatcher : public QObject {
@@ -235,29 +253,6 @@ TEST_F(MainWindow, HelpOpensTheNamedHelpFileOrElseTheUserGuide)
         EXPECT_EQ(catcher.urls, c.opened.isEmpty() ? QList<QUrl>() : QList<QUrl>{QUrl::fromLocalFile(c.opened)});
         EXPECT_EQ(recorder().texts(), c.box.isEmpty() ? QStringList() : QStringList{c.box});
     }
-}
-
-TEST_F(MainWindow, SplashLoadsTheMainFormAndShowsItWhenDismissed)
-{
-    unloadFrmMain();
-    ResetProgramState();
-    FrmSplash& s = frmSplash();
-    EXPECT_EQ(s.lblVersion->text(), "Version 1.2.0   (Click anywhere to continue)");
-    EXPECT_EQ(s.imgSplash->pixmap().deviceIndependentSize().toSize(), s.imgSplash->size());  // the picture fills its control
-    ASSERT_TRUE(frmMainExists() && frmShowLayersDialogExists());
-    EXPECT_TRUE(frmMain().bFormLoaded && !frmMain().isVisible() && !frmShowLayersDialog().isVisible());
-
-    // A click on the version label does nothing; one on the picture ends the
-    // splash and shows the main form; so does a key.
-    QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-    QKeyEvent key(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ");
-    QCoreApplication::sendEvent(s.lblVersion, &press);
-    EXPECT_TRUE(frmSplashExists() && !frmMain().isVisible());
-    QCoreApplication::sendEvent(s.imgSplash, &press);
-    EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
-    QCoreApplication::sendEvent((unloadFrmMain(), &frmSplash()), &key);
-    EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
-    EXPECT_NO_BOXES();
 }
 
 // One repaint: results are drawn at the first layer only, the interface is

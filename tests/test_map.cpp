@@ -38,7 +38,6 @@ void expectRect(const RectanglePtr& r, double left, double bottom, double right,
 }
 
 constexpr int Red = RGB(255, 0, 0), Blue = RGB(0, 0, 255), Green = RGB(0, 160, 0), Black = RGB(0, 0, 0), Grey = RGB(90, 90, 90);
-const QRgb White = qRgb(255, 255, 255);
 
 // Records the draw events as short texts, with the painter each one brought.
 struct EventLog {
@@ -78,8 +77,7 @@ protected:
     }
 
     // With the view at 0..100 on a 200 px square: two pixels to the unit.
-    static QPoint px(double x, double y) { return QPoint(int(x * 2), int((100 - y) * 2)); }
-    QRgb at(const QImage& img, double x, double y) { return img.pixel(px(x, y)); }
+    QRgb at(const QImage& img, double x, double y) { return img.pixel(int(x * 2), int((100 - y) * 2)); }
     QImage picture() { return map.grab().toImage().convertToFormat(QImage::Format_RGB32); }
     void view100() { map.setExtent(Rectangle(0, 0, 100, 100)); }
 
@@ -203,12 +201,11 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
 TEST_F(MapTest, SetExtentKeepsTheAspectAboutTheCentreAndPointsFollowIt)
 {
     map.resize(200, 100);
-    map.setExtent(Rectangle(0, 0, 100, 100));
-    expectRect(map.Extent(), -50, 0, 150, 100);  // too tall: widened
-    map.setExtent(Rectangle(0, 0, 400, 100));
-    expectRect(map.Extent(), 0, -50, 400, 150);  // too wide: heightened
-    map.setExtent(Rectangle(10, 10, 50, 30));
-    expectRect(map.Extent(), 10, 10, 50, 30);
+    // Too tall: widened; too wide: heightened; in proportion: as asked.
+    for (const auto& [asked, got] : {std::pair{Rectangle(0, 0, 100, 100), Rectangle(-50, 0, 150, 100)},
+                                     {Rectangle(0, 0, 400, 100), Rectangle(0, -50, 400, 150)},
+                                     {Rectangle(10, 10, 50, 30), Rectangle(10, 10, 50, 30)}})
+        map.setExtent(asked), expectRect(map.Extent(), got.Left, got.Bottom, got.Right, got.Top);
 
     // An empty rectangle leaves the extent and draws nothing.
     EventLog log(map);

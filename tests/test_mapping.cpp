@@ -42,7 +42,7 @@ std::vector<int> idsOf(const RecordsetPtr& rs)
 
 }  // namespace
 
-TEST(Selection, RangeExpressionsAreInclusiveNoneWhenNothingMatchesAndRecordsWalkInTableOrder)
+TEST(Selection, RangeExpressionsAreInclusiveNoneWhenNothingMatchesRecordsWalkInTableOrderAndDistancesReachTheEdge)
 {
     auto wind = testsupport::layerOf(windFile(testsupport::tempDir("sel")));
     ASSERT_TRUE(wind);
@@ -71,6 +71,14 @@ TEST(Selection, RangeExpressionsAreInclusiveNoneWhenNothingMatchesAndRecordsWalk
     for (int i = 0; i < fields.Count(); ++i) names << fields.at(i).Name();
     EXPECT_EQ(names << fields.Item("WINDPWRD").toText(), QStringList({"Shape", "FeatureID", "WINDPWRD", "WINDCLASS", "150"}));
     EXPECT_THROW(fields.Item("NOSUCH"), MapError);
+
+    // By distance: polygons contain or touch the point, or lie within the distance.
+    auto at = [&](double x, double y, double d) { return idsOf(wind->SearchByDistance(std::make_shared<Point>(x, y), d, "")); };
+    EXPECT_EQ(at(500, 500, 0), std::vector<int>{0});
+    EXPECT_EQ(at(1000, 500, 0), (std::vector<int>{0, 1}));  // on the shared edge
+    EXPECT_TRUE(at(500, 1000.5, 0).empty());
+    EXPECT_EQ(at(500, 1000.5, 1), (std::vector<int>{0}));
+    EXPECT_EQ(idsOf(wind->SearchByDistance(std::make_shared<Point>(1000, 500), 0, "WINDPWRD > 160")), std::vector<int>{1});
 }
 
 // A grid repeats its values; an expression over one field is evaluated once per
@@ -118,17 +126,8 @@ TEST(Selection, TextsKeepLeadingBlanksAndTheExpressionSeesThem)
     ASSERT_TRUE(lu);
     auto all = lu->Records();
     QStringList seen;
-    Strings distinct;
-    for (; !all->Eof(); all->MoveNext()) {
-        seen << all->Fields().Item("land_use").Value().toString();
-        distinct.Add(all->Fields().Item("LAND_USE").toText());
-    }
+    for (; !all->Eof(); all->MoveNext()) seen << all->Fields().Item("land_use").Value().toString();
     EXPECT_EQ(seen, QStringList({"  forest", "forest", "", "FOREST", "  forest", "O'Brien"}));
-    // Each text once, in ascending order.
-    QStringList ordered;
-    for (int i = 0; i < distinct.Count(); ++i) ordered << distinct.Item(i);
-    EXPECT_EQ(ordered, QStringList({"", "  forest", "FOREST", "O'Brien", "forest"}));
-    EXPECT_FALSE(distinct.Add("forest"));
     EXPECT_EQ(idsOf(lu->SearchExpression("(LAND_USE = '  forest')")), (std::vector<int>{0, 4}));
     EXPECT_EQ(idsOf(lu->SearchExpression("(LAND_USE = 'forest') OR (LAND_USE = 'FOREST')")), (std::vector<int>{1, 3}));
     // A quote inside a name is not doubled by the callers: the expression is malformed.
@@ -154,17 +153,6 @@ TEST(Overlays, AreasAgainstHandComputedValues)
     EXPECT_NEAR(line->Buffer(1)->Area(), 20 + M_PI, 0.05);
     EXPECT_EQ(QList<double>({a->Centroid()->X(), Point(0, 20).DistanceTo(a)}), QList<double>({5, 10}));
     EXPECT_THROW(a->Intersect(nullptr), MapError);
-}
-
-TEST(SearchByDistance, PolygonsContainOrTouchPointsLieWithinTheDistance)
-{
-    auto wind = testsupport::layerOf(windFile(testsupport::tempDir("near")));
-    auto at = [&](double x, double y, double d) { return idsOf(wind->SearchByDistance(std::make_shared<Point>(x, y), d, "")); };
-    EXPECT_EQ(at(500, 500, 0), std::vector<int>{0});
-    EXPECT_EQ(at(1000, 500, 0), (std::vector<int>{0, 1}));  // on the shared edge
-    EXPECT_TRUE(at(500, 1000.5, 0).empty());
-    EXPECT_EQ(at(500, 1000.5, 1), (std::vector<int>{0}));
-    EXPECT_EQ(idsOf(wind->SearchByDistance(std::make_shared<Point>(1000, 500), 0, "WINDPWRD > 160")), std::vector<int>{1});
 }
 
 TEST(OpeningFiles, BrokenFilesGiveNoneAndNeverAFailure)

@@ -6,7 +6,7 @@
 #include "mapping/collection.h"
 #include "mapping/platform.h"
 
-TEST(NumberText, ShortestFormsAsThePlatformPrintedThemAndFormatsOfTheSystem)
+TEST(NumberText, ShortestFormsFormatsOfTheSystemNumericTextsAndWholeNumbers)
 {
     const std::pair<double, const char*> doubles[] = {{200, "200"}, {2.5, "2.5"}, {1.9999999999, "1.9999999999"},
         {6.999999999, "6.999999999"}, {0.0001, "0.0001"}, {10000, "10000"}, {-1, "-1"}, {0, "0"},
@@ -22,10 +22,8 @@ TEST(NumberText, ShortestFormsAsThePlatformPrintedThemAndFormatsOfTheSystem)
     for (const auto& [v, text] : {std::pair{0.125, "12.5%"}, {0.0, "0.0%"}, {1.0, "100.0%"}})
         EXPECT_EQ(conv::FormatPercent(v), text);
     EXPECT_EQ(conv::Trim("  forest "), "forest");
-}
 
-TEST(NumberText, NumericTextsAndWholeNumbersThatRoundHalvesToEvenAndOverflow)
-{
+    // Numeric texts, and whole numbers that round halves to even and overflow.
     for (const char* yes : {" 5 ", "5.", ".5", "1e3", "-1", "+2.5", "0.001", "25"})
         EXPECT_TRUE(conv::IsNumeric(yes)) << yes;
     for (const char* no : {"", "   ", "abc", "1,000", "5 5", "Max", "-", "."})

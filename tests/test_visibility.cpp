@@ -35,7 +35,7 @@ protected:
 
 // After a load (the small dataset has fewer than 50 roads and cities) and
 // again on a reset, which leaves the files it does not name as they are.
-TEST_F(Visibility, DefaultsAfterALoadAndOnAReset)
+TEST_F(Visibility, DefaultsAfterALoadAndOnAResetAndTheFailuresOfBoth)
 {
     loadDirectory(q(testsupport::dataset()));
     for (const QString& tag : kHidden + kShown) EXPECT_EQ(layer(tag)->Visible, kShown.contains(tag)) << tag.toStdString();
@@ -54,6 +54,19 @@ TEST_F(Visibility, DefaultsAfterALoadAndOnAReset)
     odd->Tag = "20_Wind.shp";
     SetDefaultVisibility(odd);
     EXPECT_TRUE(odd->Visible) << boxTexts();
+
+    // Failures show their own texts; a roads layer that is bound to no file cannot be counted: hidden.
+    auto unbound = std::make_shared<MapLayer>();
+    unbound->Tag = "43_roads.shp";
+    SetDefaultVisibility(unbound);
+    EXPECT_FALSE(unbound->Visible);
+    EXPECT_EQ(recorder().texts(),
+              QStringList{"Error in isSetLayerVisible() function. Error while trying to count the number of features "
+                          "in a layer layer and set its visibility. "});
+    recorder().clear();
+    SetDefaultVisibility(nullptr);
+    EXPECT_EQ(recorder().texts(),
+              QStringList{"Erro while setting default visibility Error Source:md_functions.SetDefaultVisibility()"});
 }
 
 TEST_F(Visibility, RoadsAndCitiesShowBelowFiftyFeatures)
@@ -74,22 +87,6 @@ TEST_F(Visibility, RoadsAndCitiesShowBelowFiftyFeatures)
                   QList<bool>({c.visible, c.visible}));
     }
     EXPECT_NO_BOXES();
-}
-
-TEST_F(Visibility, FailuresShowTheirOwnTexts)
-{
-    // A roads layer that is bound to no file cannot be counted: hidden.
-    auto unbound = std::make_shared<MapLayer>();
-    unbound->Tag = "43_roads.shp";
-    SetDefaultVisibility(unbound);
-    EXPECT_FALSE(unbound->Visible);
-    EXPECT_EQ(recorder().texts(),
-              QStringList{"Error in isSetLayerVisible() function. Error while trying to count the number of features "
-                          "in a layer layer and set its visibility. "});
-    recorder().clear();
-    SetDefaultVisibility(nullptr);
-    EXPECT_EQ(recorder().texts(),
-              QStringList{"Erro while setting default visibility Error Source:md_functions.SetDefaultVisibility()"});
 }
 
 TEST_F(Visibility, TheLabelListsVisibleLayersTopFirstWithTrailingSeparators)
