@@ -86,7 +86,7 @@ double polygonArea(const std::string& file)
 
 }  // namespace
 
-TEST(SmallDataset, HasAllStandardFilesWithTheirGeometryFieldsProjectionAndCoverage)
+TEST(SmallDataset, StandardFilesWithGeometryFieldsProjectionCoverageTextsWithBlanksAndValuesOnTheBreaks)
 {
     const Envelope land = open("39_countryboundary.shp")->extent();
     // Everything lies in the country; grid squares may reach one cell beyond.
@@ -119,10 +119,8 @@ TEST(SmallDataset, HasAllStandardFilesWithTheirGeometryFieldsProjectionAndCovera
                                        {"59_cities.shp", 1, 49}, {"02_landuse.shp", 60, 150}, {"20_wind.shp", 200, 1000}})
         EXPECT_TRUE(count(file) >= lo && count(file) <= hi) << file << ": " << count(file);
     EXPECT_GT(count("13_solar_direct.shp"), count("11_solar_direct.shp"));
-}
 
-TEST(SmallDataset, TextsKeepTheirBlanksAndClassValuesFallExactlyOnTheBreaks)
-{
+    // Land-use texts keep their blanks and quirks.
     std::set<QString> trimmed;
     bool leading = false;
     for (const QVariant& v : column("02_landuse.shp", "LAND_USE")) {

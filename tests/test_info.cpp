@@ -172,7 +172,7 @@ TEST_F(InfoTest, PlainUnlistedIncompleteLayersAndFieldsDifferingOnlyInCase)
                           "Lakes\r\nName: first\r\nNAME: second\r\n\r\n\r\n");
 }
 
-TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloadsAFailureKeepsTheText)
+TEST_F(InfoTest, TheWindowAsDesignedAFailureKeepsTheTextAndEachActivationSearchesAgainButNotAReturnFromAModalBox)
 {
     FrmInfo* first = &frmInfo();
     EXPECT_EQ(QStringList({first->windowTitle(), first->OKButton->text()}), QStringList({"Map Information", "OK"}));
@@ -197,13 +197,10 @@ TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloadsAFailureKe
     EXPECT_EQ(identify(), "kept");
     map().Layers().Clear();
     EXPECT_EQ(recorder().texts(), QStringList{" Error while Trying to activate Info Form. Error Source:frmInfo.Form_Activate()"});
-}
 
-// Each activation searches again with the stored press position: after a zoom the same position is another map point.
-// Closing one of our own boxes gives the form the focus back; that is no new activation, or a failing search would show
-// its box again and again.
-TEST_F(InfoTest, EachActivationSearchesAgainAtTheStoredPositionButNotAReturnFromAModalBox)
-{
+    // Each activation searches again with the stored press position: after a zoom the same position is another map
+    // point. Closing one of our own boxes gives the form the focus back; that is no new activation, or a failing search
+    // would show its box again and again.
     addLayer("53_airports.shp", GeomKind::Point, {{"NAME", 'C'}},
              {{pointAt(x, y), {txt("centre")}}, {pointAt(x + 20000, y), {txt("east")}}}, "Airports");
     pressAtCentre();

@@ -120,7 +120,7 @@ TEST_F(Loading, ASecondLoadReplacesTheLayersPassesOverUnreadableFilesAndLeavesTh
     EXPECT_TRUE(cShapes == results && cShapes->Count() == 1 && !main->bFirstQuery);
 }
 
-TEST_F(Loading, ThePickedNameCutsThePathAnEmptyOneOnlyClearsTheMapAndOneNotInThePathFails)
+TEST_F(Loading, ThePickedNameCutsThePathOpenDatasetUsesOnlyItsDirectoryAndAddLayerTakesOneFileUnstyled)
 {
     // The directory is cut at the first occurrence of the picked name.
     const QString dir = q(testsupport::tempDir("cut"));
@@ -140,10 +140,9 @@ TEST_F(Loading, ThePickedNameCutsThePathAnEmptyOneOnlyClearsTheMapAndOneNotInThe
     LoadProject("20_wind.shp", "/somewhere/else.shp", main->Map1, main->legend);
     EXPECT_EQ(recorder().texts(), QStringList{" Error while loading the project. Error Source:md_functions.LoadProject()"});
     EXPECT_EQ(map()->Layers().Count(), 0);  // the old layers went at the first step
-}
 
-TEST_F(Loading, OpenDatasetUsesOnlyTheDirectoryOfThePickAndAddLayerTakesOneFileUnstyled)
-{
+    // Open Dataset: the dialog, and the directory of the pick.
+    recorder().clear();
     sDataDirectory = "/start/here";
     main->mnuOpen_Click();  // the recorder cancels
     ASSERT_EQ(recorder().fileRequests.size(), 1u);
@@ -152,40 +151,40 @@ TEST_F(Loading, OpenDatasetUsesOnlyTheDirectoryOfThePickAndAddLayerTakesOneFileU
               (QStringList{"Open Dataset", "ESRI Shapefiles (*.shp)|*.shp", ".shp", "/start/here", "open"}));
 
     // Any file of the directory will do, also one that is not standard.
-    const QString dir = q(testsupport::tempDir("open"));
-    for (const char* file : {"parcels.shp", "38_subcountrybnd1.shp"}) writeFeaturesIn(dir, file, 1);
+    const QString home = q(testsupport::tempDir("open"));
+    for (const char* file : {"parcels.shp", "38_subcountrybnd1.shp"}) writeFeaturesIn(home, file, 1);
     auto pick = [&](const QString& path) { recorder().files.push_back(testsupport::fileAnswer(path)); };
-    pick(QDir(dir).filePath("parcels.shp")), main->mnuOpen_Click();
-    EXPECT_TRUE(tags(map()) == QStringList{"38_subcountrybnd1.shp"} && sDataDirectory == dir + "/");
+    pick(QDir(home).filePath("parcels.shp")), main->mnuOpen_Click();
+    EXPECT_TRUE(tags(map()) == QStringList{"38_subcountrybnd1.shp"} && sDataDirectory == home + "/");
 
     // Cancelled over a loaded dataset: it stays in place.
     const auto index = cLayerIndex;
     main->mnuOpen_Click();
-    EXPECT_EQ(recorder().fileRequests.back().initialDir, dir + "/");
-    EXPECT_TRUE(tags(map()) == QStringList{"38_subcountrybnd1.shp"} && sDataDirectory == dir + "/" && cLayerIndex == index);
+    EXPECT_EQ(recorder().fileRequests.back().initialDir, home + "/");
+    EXPECT_TRUE(tags(map()) == QStringList{"38_subcountrybnd1.shp"} && sDataDirectory == home + "/" && cLayerIndex == index);
 
     // Add Layer puts the file on top, unstyled, with its directory as tag and unindexed.
     recorder().clear();
-    pick(QDir(dir).filePath("parcels.shp")), main->mnuAdd_Click();
+    pick(QDir(home).filePath("parcels.shp")), main->mnuAdd_Click();
     ASSERT_EQ(recorder().fileRequests.size(), 1u);
     const seam::FileRequest& add = recorder().fileRequests[0];
     EXPECT_EQ((QStringList{add.title, add.filter, add.defaultExt}), (QStringList{"Add Layer", "*.shp", "shp"}));
     ASSERT_EQ(map()->Layers().Count(), 2);
-    EXPECT_EQ(map()->Layers().Item(0)->Name + "|" + map()->Layers().Item(0)->Tag, "parcels.shp|" + dir + "/");
+    EXPECT_EQ(map()->Layers().Item(0)->Name + "|" + map()->Layers().Item(0)->Tag, "parcels.shp|" + home + "/");
     EXPECT_EQ(cLayerIndex->Count(), 1);
     EXPECT_TRUE(main->lblLayersCurrentlyDisplayed->text().startsWith("parcels.shp; "));  // it ends with an update of the interface
     EXPECT_NO_BOXES();
 
     // A name that cannot be opened.
-    pick(QDir(dir).filePath("ghost.shp")), main->mnuAdd_Click();
+    pick(QDir(home).filePath("ghost.shp")), main->mnuAdd_Click();
     EXPECT_EQ(recorder().texts(), QStringList{"Error opening shapefile ghost.shp"});
     EXPECT_EQ(map()->Layers().Count(), 2);
 
     // A directory that is not there.
     recorder().clear();
-    pick(dir + "/gone/parcels.shp"), main->mnuAdd_Click();
+    pick(home + "/gone/parcels.shp"), main->mnuAdd_Click();
     EXPECT_EQ(recorder().texts(), QStringList{"Data Connection error #1"});
-    EXPECT_EQ(sDataDirectory, dir + "/gone/");
+    EXPECT_EQ(sDataDirectory, home + "/gone/");
 }
 
 QMap<QString, QByteArray> filesOf(const QString& dir)

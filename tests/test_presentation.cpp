@@ -48,7 +48,7 @@ protected:
 
 }  // namespace
 
-TEST_F(Presentation, FieldsWithoutAClassTableAndTheFailuresOfRenderersAndProperties)
+TEST_F(Presentation, FieldsWithoutAClassTableFailuresOfRenderersAndPropertiesAndLandUseValuesAsTheDataWritesThem)
 {
     auto colourOf = [](const char* field) {
         auto s = std::make_shared<Symbol>();
@@ -85,17 +85,16 @@ TEST_F(Presentation, FieldsWithoutAClassTableAndTheFailuresOfRenderersAndPropert
     auto wrong = landUseLayer("landuse-wrongfield", {"FOREST"}, "LANDUSE");
     EXPECT_TRUE(!landUseRenderer(wrong) && wrong->Visible);
     EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.LayerRenderer()"});
-}
 
-TEST_F(Presentation, LandUseValuesAreClassedAsTheDataWritesThem)
-{
-    auto layer = landUseLayer("landuse-mixed", {"  forest ", " FOREST", "FOREST", "ICE", "OTHER", "OTHER LAND", "",
+    // Land-use values are classed as the data writes them.
+    recorder().clear();
+    auto mixed = landUseLayer("landuse-mixed", {"  forest ", " FOREST", "FOREST", "ICE", "OTHER", "OTHER LAND", "",
                                                 "water bodies", "FOREST", "ICE", "tepuis(table mountains)"});
-    SetLayerProperties(layer, "02_landuse.shp", "Anything");  // a display name given is not taken
-    auto r = std::dynamic_pointer_cast<ValueMapRenderer>(layer->Renderer);
-    ASSERT_TRUE(r);
+    SetLayerProperties(mixed, "02_landuse.shp", "Anything");  // a display name given is not taken
+    auto classes = std::dynamic_pointer_cast<ValueMapRenderer>(mixed->Renderer);
+    ASSERT_TRUE(classes);
     EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
-    EXPECT_TRUE(layer->Name == "Land Use" && r->Field == "LAND_USE" && !layer->Visible);
+    EXPECT_TRUE(mixed->Name == "Land Use" && classes->Field == "LAND_USE" && !mixed->Visible);
 
     // Distinct texts, in ascending order, blanks and case as stored, each with its colour.
     const std::pair<const char*, int> wants[] = {
@@ -104,9 +103,9 @@ TEST_F(Presentation, LandUseValuesAreClassedAsTheDataWritesThem)
         {"OTHER LAND", RGB(220, 202, 143)}, {"tepuis(table mountains)", RGB(220, 202, 143)},
         {"water bodies", RGB(102, 140, 190)},
     };
-    ASSERT_EQ(r->ValueCount(), int(std::size(wants)));
-    for (int i = 0; i < r->ValueCount(); ++i)
-        EXPECT_EQ((std::tuple{r->Value(i), r->Symbol(i)->Color, r->Symbol(i)->Outline}),
+    ASSERT_EQ(classes->ValueCount(), int(std::size(wants)));
+    for (int i = 0; i < classes->ValueCount(); ++i)
+        EXPECT_EQ((std::tuple{classes->Value(i), classes->Symbol(i)->Color, classes->Symbol(i)->Outline}),
                   (std::tuple{QString(wants[i].first), wants[i].second, false}));
 }
 
