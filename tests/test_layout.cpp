@@ -23,10 +23,7 @@ QRect designOf(const QWidget* w) { return w->property("twips").toRect(); }
 
 QString describe(const QWidget* w)
 {
-    auto* l = qobject_cast<const QLabel*>(w);
-    auto* b = qobject_cast<const QAbstractButton*>(w);
-    auto* g = qobject_cast<const QGroupBox*>(w);
-    const QString caption = l ? l->text() : b ? b->text() : g ? g->title() : QString();
+    const QString caption = w->property("text").toString() + w->property("title").toString();  // of a label, button or frame
     const QRect d = designOf(w);
     return QString("%1 \"%2\" at %3,%4 %5x%6").arg(w->metaObject()->className(), caption.left(40)).arg(d.x()).arg(d.y()).arg(d.width()).arg(d.height());
 }

@@ -23,12 +23,11 @@ QString geographicWkt(const QString& unit)
 
 QString projectedWkt(const QString& unit, double toMetres = 1.0)
 {
-    return QStringLiteral("PROJCS[\"Test_TM\",GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\","
-                          "6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\",0.0174532925199433]],"
+    return QStringLiteral("PROJCS[\"Test_TM\",GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\",6378137.0,"
+                          "298.257223563]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\",0.0174532925199433]],"
                           "PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"False_Easting\",500000.0],"
-                          "PARAMETER[\"False_Northing\",0.0],PARAMETER[\"Central_Meridian\",21.0],"
-                          "PARAMETER[\"Scale_Factor\",0.9996],PARAMETER[\"Latitude_Of_Origin\",0.0],"
-                          "UNIT[\"%1\",%2]]")
+                          "PARAMETER[\"False_Northing\",0.0],PARAMETER[\"Central_Meridian\",21.0],PARAMETER[\"Scale_Factor\","
+                          "0.9996],PARAMETER[\"Latitude_Of_Origin\",0.0],UNIT[\"%1\",%2]]")
         .arg(unit, QString::number(toMetres, 'g', 17));
 }
 
