@@ -92,9 +92,9 @@ GeoDatasetPtr openOut(const std::string& dir, const std::string& file) { return 
 
 }  // namespace
 
-// Pixels of 500 m, cells of 1 km (2 x 2 pixels); the right column of cells is
-// cut in half by the boundary. -1 is no data.
-TEST(Prepare, CellsHoldTheMeanOfTheirValidPixelsAndAreClippedToTheBoundary)
+// Pixels of 500 m, cells of 1 km (2 x 2 pixels); the right column of cells is cut in half by the boundary. -1 is no
+// data. A class raster of 1 km pixels, cut the same way, gives the texts of its table with their blanks.
+TEST(Prepare, CellsHoldTheMeanOfTheirValidPixelsClassesTheirTextsAndBothAreClippedToTheBoundary)
 {
     const std::string dir = testsupport::tempDir("prepare-cells"), out = dir + "/out";
     writeTiff(dir + "/wind.tif", 32633, 500000, 2000000, 500, 6, 4,
@@ -102,8 +102,11 @@ TEST(Prepare, CellsHoldTheMeanOfTheirValidPixelsAndAreClippedToTheBoundary)
                5, 6, 8, -1, -1, -1,
                10, 10, 20, 20, 100, 200,
                10, 10, 20, 20, 300, 400});
+    writeTiff(dir + "/cover.tif", 32633, 500000, 2000000, 1000, 4, 2, {1, 1, 2, 2, 3, 0, 2, 2}, GDT_Byte, 0);
+    writeText(dir + "/classes.csv", "code,label\n1,  forest\n2,\"COFFEE, FRUITS\"\n3, GRASS\n9,unused\n");
     const PrepareRun r = prepareIn(dir, 2500, "[20_wind]\nsource = \"wind.tif\"\ncell_km = 1\n"
-                                              "[14_solar_glo]\nsource = \"wind.tif\"\ncell_km = 1\nunit = \"kWh/m2/year\"\n");
+                                              "[14_solar_glo]\nsource = \"wind.tif\"\ncell_km = 1\nunit = \"kWh/m2/year\"\n"
+                                              "[02_landuse]\nsource = \"cover.tif\"\nclasses = \"classes.csv\"\n");
     ASSERT_EQ(r.code, 0) << r.err;
     struct Cell { double mean, areaKm2; };
     const Cell cells[] = {{3.5, 1}, {5, 1}, {10, 1}, {20, 1}, {250, 0.5}};  // the cell of no data is left out
@@ -119,6 +122,12 @@ TEST(Prepare, CellsHoldTheMeanOfTheirValidPixelsAndAreClippedToTheBoundary)
     const std::string prj = readText(out + "/20_wind.prj");
     EXPECT_TRUE(prj.starts_with("PROJCS[\"WGS_1984_UTM_Zone_33N\"") && prj.find("UNIT[\"Meter\",1.0]") != std::string::npos) << prj;
     EXPECT_EQ(readText(out + "/20_wind.cpg"), "UTF-8");
+
+    auto land = openOut(out, "02_landuse.shp");
+    ASSERT_TRUE(land);
+    std::map<QString, double> areas;
+    for (int i = 0; i < land->count(); ++i) areas[land->value(i, land->fieldIndex("LAND_USE")).toString()] += measure(land, i);
+    EXPECT_EQ(areas, (std::map<QString, double>{{"  forest", 2e6}, {"COFFEE, FRUITS", 1e6}, {" GRASS", 1e6}}));
 }
 
 TEST(Prepare, ReprojectedLayersCoverTheBoundaryAndNothingOutsideRoadsKeepTheirMargin)
@@ -159,20 +168,6 @@ TEST(Prepare, ReprojectedLayersCoverTheBoundaryAndNothingOutsideRoadsKeepTheirMa
     EXPECT_EQ(cities->value(0, 0).toString(), "In");
     EXPECT_EQ(states->value(0, states->fieldIndex("NAME")).toString(), "  North Province");
     EXPECT_NE(r.out.find("43_roads.shp"), std::string::npos) << "the summary names each file";
-}
-
-TEST(Prepare, ClassRasterGivesTheTextsOfItsTableWithTheirBlanks)
-{
-    const std::string dir = testsupport::tempDir("prepare-classes");
-    writeTiff(dir + "/cover.tif", 32633, 500000, 2000000, 1000, 4, 2, {1, 1, 2, 2, 3, 0, 2, 2}, GDT_Byte, 0);
-    writeText(dir + "/classes.csv", "code,label\n1,  forest\n2,\"COFFEE, FRUITS\"\n3, GRASS\n9,unused\n");
-    const PrepareRun r = prepareIn(dir, 4000, "[02_landuse]\nsource = \"cover.tif\"\nclasses = \"classes.csv\"\n");
-    ASSERT_EQ(r.code, 0) << r.err;
-    auto land = openOut(dir + "/out", "02_landuse.shp");
-    ASSERT_TRUE(land);
-    std::map<QString, double> areas;
-    for (int i = 0; i < land->count(); ++i) areas[land->value(i, land->fieldIndex("LAND_USE")).toString()] += measure(land, i);
-    EXPECT_EQ(areas, (std::map<QString, double>{{"  forest", 2e6}, {"COFFEE, FRUITS", 4e6}, {" GRASS", 1e6}}));
 }
 
 TEST(Prepare, GeneratedSourcesOpenInTheProgramAndAQueryRuns)

@@ -30,7 +30,7 @@ TEST(ScaleBar, RoundLengthIsTheLargestOfOneTwoTwoAndAHalfFiveBelow)
 }
 
 // Without a usable scale (no labels in the row) nothing but the background is drawn.
-TEST(ScaleBar, LengthUnitAndLabelsFollowTheExtentUnitCodeAndModeAndWithoutAScaleOnlyTheBackgroundShows)
+TEST(ScaleBar, LengthUnitLabelsAndColoursFollowTheExtentUnitCodeAndModeAndWithoutAScaleOnlyTheBackgroundShows)
 {
     struct Case {
         const char* what; int units; double left, top, right, bottom; int divisions; float ratio; QStringList labels; QString unit;
@@ -80,10 +80,8 @@ TEST(ScaleBar, LengthUnitAndLabelsFollowTheExtentUnitCodeAndModeAndWithoutAScale
         sb.setLabelMode(mode);
         EXPECT_EQ(sb.layout().labels, labels) << mode;
     }
-}
 
-TEST(ScaleBar, DivisionsAlternateTheTwoBarColoursInsideAnOutline)
-{
+    // The divisions alternate the two bar colours inside an outline.
     ScaleBar sb;
     configure(sb, ScaleBar::Meters, 0, 100000, 160000, 0);
     const ScaleBar::Layout l = sb.layout();
