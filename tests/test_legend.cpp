@@ -48,7 +48,7 @@ protected:
     Legend legend;
 };
 
-TEST_F(LegendTest, EntriesFollowTheLayersTopFirstWithTheirClasses)
+TEST_F(LegendTest, EntriesFollowTheLayersTopFirstWithTheirClassesAndCheckBoxesSwitchVisibleBeforeTheEvent)
 {
     layer("Wind", "WINDPWRD", 'N', {150.0, 450.0, 900.0})->Renderer = breaks("WINDPWRD", {200, 300, 400, 500, 600, 800});
     layer("Solar", "ANNDIR", 'N', {2.2, 3.7})->Renderer = breaks("ANNDIR", {1.9999999999, 2.5, 2.9999999999});
@@ -74,14 +74,9 @@ TEST_F(LegendTest, EntriesFollowTheLayersTopFirstWithTheirClasses)
     map.Layers().Remove(0);
     legend.FillLegend(true);
     EXPECT_EQ(std::pair(legend.entryCount(), legend.entryName(0)), std::pair(4, QString("Land Use")));
-}
 
-TEST_F(LegendTest, CheckBoxSwitchesVisibleBeforeTheEventAndDrawsNothingItself)
-{
-    MapLayerPtr bottom = layer("Bottom", "VALUE", 'N', {1.0});
-    MapLayerPtr top = layer("Top", "VALUE", 'N', {1.0});
-    legend.FillLegend(true);
-
+    // A check box switches Visible before the event and draws nothing itself.
+    const MapLayerPtr top = map.Layers().Item(0), second = map.Layers().Item(1);
     QStringList seen;
     QObject::connect(&legend, &Legend::AfterSetLayerVisible, &legend, [&](int index, bool state) {
         seen << QString("%1 %2 %3").arg(index).arg(int(state)).arg(int(map.Layers().Item(index)->Visible));
@@ -90,7 +85,7 @@ TEST_F(LegendTest, CheckBoxSwitchesVisibleBeforeTheEventAndDrawsNothingItself)
     QObject::connect(&map, &Map::AfterTrackingLayerDraw, &map, [&](QPainter*) { ++draws; });
 
     legend.clickCheckBox(1);
-    EXPECT_FALSE(bottom->Visible);
+    EXPECT_FALSE(second->Visible);
     legend.clickCheckBox(1);
     legend.clickCheckBox(5);   // no such entry
     legend.clickCheckBox(-1);

@@ -77,25 +77,7 @@ TEST_F(Loading, RefusedConnectionOrNoShapefilesKeepTheLegendAndNoStandardFileEmp
     EXPECT_EQ(main->lblLayersCurrentlyDisplayed->text(), "- No layers found -");
 }
 
-TEST_F(Loading, NameCaseIsIgnoredForLoadingButTheTagKeepsTheListedName)
-{
-    // Standard names are compared whole and without case.
-    for (const char* name : {"20_WIND.SHP", "59_Cities.Shp", "21_wind.shp"}) EXPECT_TRUE(StandardFile(name)) << name;
-    for (const char* name : {"15_solar_direct.shp", "20_wind", " 20_wind.shp", "20_wind.shp ", ""}) EXPECT_FALSE(StandardFile(name)) << name;
-
-    const QString dir = q(testsupport::tempDir("upper"));
-    writeFeaturesIn(dir, "20_wind.shp", 2);
-    for (const QString& ext : {"shp", "shx", "dbf", "prj", "cpg"})
-        QFile::rename(QDir(dir).filePath("20_wind." + ext), QDir(dir).filePath("20_WIND." + ext.toUpper()));
-
-    loadDirectory(dir);
-    ASSERT_EQ(tags(map()), QStringList{"20_WIND.SHP"});
-    // The exact-case default would hide the wind layer; this one keeps showing.
-    EXPECT_TRUE(map()->Layers().Item(0)->Visible && cLayerIndex->Item("20_wind.shp") == 0);
-    EXPECT_NO_BOXES();
-}
-
-TEST_F(Loading, ASecondLoadReplacesTheLayersPassesOverUnreadableFilesAndLeavesTheResultsAlone)
+TEST_F(Loading, ASecondLoadReplacesTheLayersPassesOverUnreadableFilesLeavesTheResultsAloneAndIgnoresNameCase)
 {
     loadDirectory(q(testsupport::dataset()));
     auto results = std::make_shared<Collection<ShapePtr>>();
@@ -118,6 +100,21 @@ TEST_F(Loading, ASecondLoadReplacesTheLayersPassesOverUnreadableFilesAndLeavesTh
     // A standard file without a style keeps the component's name and shows.
     EXPECT_TRUE(map()->Layers().Item(1)->Name == "21_wind" && map()->Layers().Item(1)->Visible);
     EXPECT_TRUE(cShapes == results && cShapes->Count() == 1 && !main->bFirstQuery);
+
+    // Standard names are compared whole and without case.
+    for (const char* name : {"20_WIND.SHP", "59_Cities.Shp", "21_wind.shp"}) EXPECT_TRUE(StandardFile(name)) << name;
+    for (const char* name : {"15_solar_direct.shp", "20_wind", " 20_wind.shp", "20_wind.shp ", ""}) EXPECT_FALSE(StandardFile(name)) << name;
+
+    const QString upper = q(testsupport::tempDir("upper"));
+    writeFeaturesIn(upper, "20_wind.shp", 2);
+    for (const QString& ext : {"shp", "shx", "dbf", "prj", "cpg"})
+        QFile::rename(QDir(upper).filePath("20_wind." + ext), QDir(upper).filePath("20_WIND." + ext.toUpper()));
+
+    loadDirectory(upper);
+    ASSERT_EQ(tags(map()), QStringList{"20_WIND.SHP"});
+    // The exact-case default would hide the wind layer; this one keeps showing.
+    EXPECT_TRUE(map()->Layers().Item(0)->Visible && cLayerIndex->Item("20_wind.shp") == 0);
+    EXPECT_NO_BOXES();
 }
 
 TEST_F(Loading, ThePickedNameCutsThePathOpenDatasetUsesOnlyItsDirectoryAndAddLayerTakesOneFileUnstyled)
