@@ -78,7 +78,7 @@ TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptionsAndEditOrLegendWai
 
 // Each option button and check box shows a dark mark in its light box when
 // chosen, the tools on the black map holder too.
-TEST_F(MainWindow, ChosenOptionsAndTickedBoxesShowTheirMark)
+TEST_F(MainWindow, ChosenOptionsShowTheirMarkAndTheShownWindowKeepsItsControlsInViewAndFitsTheScreen)
 {
     f.fraEditLegend->setVisible(true), f.chkProtectedAreas->setVisible(true);
     for (QAbstractButton* b : std::initializer_list<QAbstractButton*>{f.optPanZoom[0], f.optPanZoom[1], f.optPanZoom[2],
@@ -99,12 +99,9 @@ TEST_F(MainWindow, ChosenOptionsAndTickedBoxesShowTheirMark)
         };
         EXPECT_TRUE(lightness(false) > 160 && lightness(true) < 100);
     }
-}
 
-// Shown, the window holds the query panel and the map's buttons in view at
-// its smallest, and opens no larger than the screen.
-TEST_F(MainWindow, TheWindowKeepsItsControlsInViewAndFitsTheScreen)
-{
+    // Shown, the window holds the query panel and the map's buttons in view at its smallest, and opens no larger than
+    // the screen.
     f.show();
     const QRect screen = f.screen()->availableGeometry();
     EXPECT_TRUE(f.width() <= std::max(screen.width(), f.minimumWidth()) && f.height() <= std::max(screen.height(), f.minimumHeight()));
@@ -113,7 +110,6 @@ TEST_F(MainWindow, TheWindowKeepsItsControlsInViewAndFitsTheScreen)
     for (QWidget* w : std::initializer_list<QWidget*>{f.cmdZoomOut, f.cboScale, f.cmdUpdateMap, f.cmdChangeLayers})
         EXPECT_TRUE(f.rect().contains(QRect(w->mapTo(&f, QPoint(0, 0)), w->size()))) << captionOf(w).toStdString();
 }
-
 
 TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSizeByTheMarginsMeasuredAtLoad)
 {

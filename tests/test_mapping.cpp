@@ -83,7 +83,7 @@ TEST(Selection, RangeExpressionsAreInclusiveNoneWhenNothingMatchesRecordsWalkInT
 
 // A grid repeats its values; an expression over one field is evaluated once per
 // distinct value, which must select exactly what a record-by-record pass would.
-TEST(Selection, RepeatedValuesNullsAndRecordNumbersSelectAsRecordByRecord)
+TEST(Selection, RepeatedValuesNullsAndRecordNumbersSelectAsRecordByRecordAndTextsKeepLeadingBlanks)
 {
     const std::string path = testsupport::tempDir("grid") + "/14_solar_glo.shp";
     std::vector<FeatureSpec> f;
@@ -113,16 +113,14 @@ TEST(Selection, RepeatedValuesNullsAndRecordNumbersSelectAsRecordByRecord)
     const std::vector<int> zoned = idsOf(big->SearchExpression("ZONE = 7"));
     ASSERT_EQ(zoned.size(), 100u);
     EXPECT_EQ(zoned.back(), 4957);
-}
 
-TEST(Selection, TextsKeepLeadingBlanksAndTheExpressionSeesThem)
-{
-    const std::string path = testsupport::tempDir("text") + "/02_landuse.shp";
-    std::vector<FeatureSpec> f;
+    // Texts keep their leading blanks, and the expression sees them.
+    const std::string landPath = testsupport::tempDir("text") + "/02_landuse.shp";
+    std::vector<FeatureSpec> land;
     const char* names[] = {"  forest", "forest", "", "FOREST ", "  forest", "O'Brien"};
-    for (int i = 0; i < 6; ++i) f.push_back({square(i * 10.0, 0, 10), {std::string(names[i])}});
-    datagen::writeShapefile(path, GeomKind::Polygon, {{"LAND_USE", 'C', 40}}, f);
-    auto lu = testsupport::layerOf(path);
+    for (int i = 0; i < 6; ++i) land.push_back({square(i * 10.0, 0, 10), {std::string(names[i])}});
+    datagen::writeShapefile(landPath, GeomKind::Polygon, {{"LAND_USE", 'C', 40}}, land);
+    auto lu = testsupport::layerOf(landPath);
     ASSERT_TRUE(lu);
     auto all = lu->Records();
     QStringList seen;

@@ -48,7 +48,7 @@ protected:
 
 }  // namespace
 
-TEST_F(Presentation, FieldsWithoutAClassTableFailuresOfRenderersAndPropertiesAndLandUseValuesAsTheDataWritesThem)
+TEST_F(Presentation, LayerPropertiesTableFieldsWithoutAClassTableLandUseValuesAsTheDataWritesThemAndFailures)
 {
     auto colourOf = [](const char* field) {
         auto s = std::make_shared<Symbol>();
@@ -107,10 +107,9 @@ TEST_F(Presentation, FieldsWithoutAClassTableFailuresOfRenderersAndPropertiesAnd
     for (int i = 0; i < classes->ValueCount(); ++i)
         EXPECT_EQ((std::tuple{classes->Value(i), classes->Symbol(i)->Color, classes->Symbol(i)->Outline}),
                   (std::tuple{QString(wants[i].first), wants[i].second, false}));
-}
 
-TEST_F(Presentation, LayerPropertiesTable)
-{
+    // The table of layer properties.
+    recorder().clear();
     const Symbol d;  // the component's defaults, for D in a row
     // A display name given is taken by the solar rows only.
     const QString given = "ANNUAL AVERAGE SOLAR RESOURCES (KWH/M2/DAY)";
@@ -150,3 +149,4 @@ TEST_F(Presentation, LayerPropertiesTable)
               (std::tuple{true, QString("MS Sans Serif"), true, 12}));
     EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
 }
+

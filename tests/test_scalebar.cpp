@@ -21,17 +21,15 @@ void configure(ScaleBar& sb, int units, double left, double top, double right, d
 
 QRgb rgbAt(const QImage& im, int x, int y) { return im.pixel(x, y) & 0xFFFFFF; }
 
-TEST(ScaleBar, RoundLengthIsTheLargestOfOneTwoTwoAndAHalfFiveBelow)
+TEST(ScaleBar, RoundLengthUnitLabelsAndColoursFollowTheExtentUnitCodeAndModeAndWithoutAScaleOnlyTheBackgroundShows)
 {
-    const std::pair<double, double> cases[] = {{1, 1},       {1.9, 1},     {2, 2},         {2.4, 2},     {2.5, 2.5},
-                                               {4.99, 2.5},  {5, 5},       {9.99, 5},      {10, 10},     {0.3, 0.25},
-                                               {1000, 1000}, {999.9, 500}, {44528, 25000}, {0.001, 0.001}};
-    for (auto [v, expected] : cases) EXPECT_DOUBLE_EQ(ScaleBar::roundLengthBelow(v), expected) << v;
-}
+    // The round length is the largest of 1, 2, 2.5 and 5 times a power of ten not above the value.
+    const std::pair<double, double> lengths[] = {{1, 1},       {1.9, 1},     {2, 2},         {2.4, 2},     {2.5, 2.5},
+                                                 {4.99, 2.5},  {5, 5},       {9.99, 5},      {10, 10},     {0.3, 0.25},
+                                                 {1000, 1000}, {999.9, 500}, {44528, 25000}, {0.001, 0.001}};
+    for (auto [v, expected] : lengths) EXPECT_DOUBLE_EQ(ScaleBar::roundLengthBelow(v), expected) << v;
 
-// Without a usable scale (no labels in the row) nothing but the background is drawn.
-TEST(ScaleBar, LengthUnitLabelsAndColoursFollowTheExtentUnitCodeAndModeAndWithoutAScaleOnlyTheBackgroundShows)
-{
+    // Without a usable scale (no labels in the row) nothing but the background is drawn.
     struct Case {
         const char* what; int units; double left, top, right, bottom; int divisions; float ratio; QStringList labels; QString unit;
     };
