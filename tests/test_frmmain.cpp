@@ -139,7 +139,7 @@ TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSizeByTheMarginsMeasuredAtLoad)
 }
 
 // The enabled state after each way into it: start, a load with layers, a load without, and a query run.
-TEST_F(MainWindow, EnabledStateFollowsTheStateTable)
+TEST_F(MainWindow, EnabledStateFollowsTheStateTableAndDrawEventsAreTheBeatOfTheInterface)
 {
     auto navigation = [&] {
         return QList<bool>{f.cmdZoomIn->isEnabled(), f.cmdZoomOut->isEnabled(), f.cboScale->isEnabled(),
@@ -179,6 +179,35 @@ TEST_F(MainWindow, EnabledStateFollowsTheStateTable)
     EXPECT_EQ(navigation(), off);
     EXPECT_TRUE(!Visible(f.cmdOriginalMap) && f.cmdChangeLayers->isEnabled());
     EXPECT_NO_BOXES();
+
+    // One repaint: results are drawn at the first layer only, the interface is brought up to date before the tracking
+    // layer, and the end re-arms the next.
+    loadDirectory(q(testsupport::dataset()));
+    struct Seen { QString event; bool drawn; QString label; };
+    std::vector<Seen> seen;
+    auto note = [&](const char* e) { seen.push_back({e, bQueryDrawn, f.lblLayersCurrentlyDisplayed->text()}); };
+    QObject guard;
+    QObject::connect(f.Map1, &Map::BeforeLayerDraw, &guard, [&](int, QPainter*) { note("before"); });
+    QObject::connect(f.Map1, &Map::BeforeTrackingLayerDraw, &guard, [&](QPainter*) { note("beforeTracking"); });
+    QObject::connect(f.Map1, &Map::AfterTrackingLayerDraw, &guard, [&](QPainter*) { note("afterTracking"); });
+
+    f.lblLayersCurrentlyDisplayed->setText("stale"), f.Map1->Refresh();
+    ASSERT_GE(seen.size(), 4u);
+    EXPECT_EQ(seen.front().event, "before");
+    for (size_t i = 0; i + 2 < seen.size(); ++i) {
+        EXPECT_TRUE(seen[i].drawn) << i;           // set at the first layer, kept through the layers
+        EXPECT_EQ(seen[i].label, "stale") << i;    // the interface waits for the tracking layer
+    }
+    EXPECT_TRUE(seen[seen.size() - 2].event == "beforeTracking" && seen[seen.size() - 2].label != "stale");
+    EXPECT_TRUE(seen.back().event == "afterTracking" && !seen.back().drawn && !bQueryDrawn);
+    EXPECT_NO_BOXES();
+
+    // The marked-shape hook: a shape that cannot be drawn gives its message.
+    oMarkedShape = std::make_shared<Rectangle>(0, 0, 1, 1);
+    oMarkedSymbol.reset();
+    f.Map1_AfterTrackingLayerDraw(nullptr);
+    EXPECT_EQ(recorder().texts(), QStringList{" Error while trying to draw tracking layer. Error Source:frmMain.Map1_AfterTrackingLayerDraw()"});
+    oMarkedShape.reset();
 }
 
 
@@ -250,39 +279,6 @@ TEST_F(MainWindow, HelpOpensTheNamedHelpFileOrElseTheUserGuide)
         EXPECT_EQ(recorder().texts(), c.box.isEmpty() ? QStringList() : QStringList{c.box});
     }
 }
-
-// One repaint: results are drawn at the first layer only, the interface is
-// brought up to date before the tracking layer, and the end re-arms the next.
-TEST_F(MainWindow, DrawEventsAreTheBeatOfTheInterface)
-{
-    loadDirectory(q(testsupport::dataset()));
-    struct Seen { QString event; bool drawn; QString label; };
-    std::vector<Seen> seen;
-    auto note = [&](const char* e) { seen.push_back({e, bQueryDrawn, f.lblLayersCurrentlyDisplayed->text()}); };
-    QObject guard;
-    QObject::connect(f.Map1, &Map::BeforeLayerDraw, &guard, [&](int, QPainter*) { note("before"); });
-    QObject::connect(f.Map1, &Map::BeforeTrackingLayerDraw, &guard, [&](QPainter*) { note("beforeTracking"); });
-    QObject::connect(f.Map1, &Map::AfterTrackingLayerDraw, &guard, [&](QPainter*) { note("afterTracking"); });
-
-    f.lblLayersCurrentlyDisplayed->setText("stale"), f.Map1->Refresh();
-    ASSERT_GE(seen.size(), 4u);
-    EXPECT_EQ(seen.front().event, "before");
-    for (size_t i = 0; i + 2 < seen.size(); ++i) {
-        EXPECT_TRUE(seen[i].drawn) << i;           // set at the first layer, kept through the layers
-        EXPECT_EQ(seen[i].label, "stale") << i;    // the interface waits for the tracking layer
-    }
-    EXPECT_TRUE(seen[seen.size() - 2].event == "beforeTracking" && seen[seen.size() - 2].label != "stale");
-    EXPECT_TRUE(seen.back().event == "afterTracking" && !seen.back().drawn && !bQueryDrawn);
-    EXPECT_NO_BOXES();
-
-    // The marked-shape hook: a shape that cannot be drawn gives its message.
-    oMarkedShape = std::make_shared<Rectangle>(0, 0, 1, 1);
-    oMarkedSymbol.reset();
-    f.Map1_AfterTrackingLayerDraw(nullptr);
-    EXPECT_EQ(recorder().texts(), QStringList{" Error while trying to draw tracking layer. Error Source:frmMain.Map1_AfterTrackingLayerDraw()"});
-    oMarkedShape.reset();
-}
-
 
 }  // namespace
 

@@ -121,7 +121,7 @@ TEST_F(InfoTest, PointsAndLinesWithinTheToleranceOfTheExtent)
 
 // A polygon must contain or touch the point. Hidden layers and the country boundary are never listed; sorted layers
 // follow their list, not the table.
-TEST_F(InfoTest, PolygonsContainOrTouchThePointAndSortedLayersFollowTheirListNotTheTable)
+TEST_F(InfoTest, PolygonsContainOrTouchThePointSortedLayersFollowTheirListPlainOnesTheTableAndUnlistedShowNoFields)
 {
     addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}},
              {{box(x - 100, y - 100, x + 100, y + 100), {txt("inside")}},
@@ -148,13 +148,11 @@ TEST_F(InfoTest, PolygonsContainOrTouchThePointAndSortedLayersFollowTheirListNot
               "Lakes\r\nName: inside\r\n\r\nName: edge\r\n\r\n\r\n");
     EXPECT_EQ(IdentifyTextAt(x + 150, y - 150), "") << "nothing found replaces the old text";
     EXPECT_TRUE(recorder().boxes.empty());
-}
 
-// Layers without a list (a Tag differing in case from the table has none) show their name and blank lines; listed
-// fields a table lacks are left out; plain layers keep the table's order, spelling and values. Fields differing only in
-// case show in both formats.
-TEST_F(InfoTest, PlainUnlistedIncompleteLayersAndFieldsDifferingOnlyInCase)
-{
+    // Layers without a list (a Tag differing in case from the table has none) show their name and blank lines; listed
+    // fields a table lacks are left out; plain layers keep the table's order, spelling and values. Fields differing only
+    // in case show in both formats.
+    map().Layers().Clear();
     addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}, {"NAMX", 'C'}}, {{around, {txt("first"), txt("second")}}},
              "Lakes", {{1, "NAME"}});
     addLayer("31_protectedarea.shp", GeomKind::Polygon, {{"TYPE", 'C'}, {"Name", 'C'}, {"NAMX", 'C'}},

@@ -23,7 +23,7 @@ using Loading = MainTest;
 
 // The full dataset loads; the limit message needs all 28 standard files and a
 // further entry listed behind the last of them, which is never looked at.
-TEST_F(Loading, FullDatasetStacksByNameAndTheLimitMessageOnlyWhenAnEntryFollowsTheTwentyEighthLayer)
+TEST_F(Loading, FullDatasetStacksByNameTheLimitMessageOnlyAfterTheTwentyEighthLayerAndRefusalsKeepTheLegend)
 {
     // None: it ends exactly at the 28th layer; a non-standard file after 59_cities.shp;
     // one listed first, where the loop ends on the last standard file.
@@ -46,10 +46,9 @@ TEST_F(Loading, FullDatasetStacksByNameAndTheLimitMessageOnlyWhenAnEntryFollowsT
         // The layers that are in are indexed and the legend is rebuilt all the same.
         EXPECT_TRUE(cLayerIndex->Count() == 28 && frmMain().legend->entryCount() == 28);
     }
-}
 
-TEST_F(Loading, RefusedConnectionOrNoShapefilesKeepTheLegendAndNoStandardFileEmptiesIt)
-{
+    // A refused connection or a directory without shapefiles keeps the legend; one without a standard file empties it.
+    main = &freshMain();
     loadDirectory(q(testsupport::dataset()));
     ASSERT_EQ(main->legend->entryCount(), 28);
     recorder().clear();

@@ -130,7 +130,7 @@ TEST(Prepare, CellsHoldTheMeanOfTheirValidPixelsClassesTheirTextsAndBothAreClipp
     EXPECT_EQ(areas, (std::map<QString, double>{{"  forest", 2e6}, {"COFFEE, FRUITS", 1e6}, {" GRASS", 1e6}}));
 }
 
-TEST(Prepare, ReprojectedLayersCoverTheBoundaryAndNothingOutsideRoadsKeepTheirMargin)
+TEST(Prepare, ReprojectedLayersCoverTheBoundaryRoadsKeepTheirMarginAndGeneratedSourcesOpenInTheProgram)
 {
     const std::string dir = testsupport::tempDir("prepare-vectors");
     writeGeoJson(dir + "/country.geojson", {{"POLYGON((14.5 10,15.5 10,15.5 11,14.5 11,14.5 10))", "Home"}});
@@ -168,20 +168,18 @@ TEST(Prepare, ReprojectedLayersCoverTheBoundaryAndNothingOutsideRoadsKeepTheirMa
     EXPECT_EQ(cities->value(0, 0).toString(), "In");
     EXPECT_EQ(states->value(0, states->fieldIndex("NAME")).toString(), "  North Province");
     EXPECT_NE(r.out.find("43_roads.shp"), std::string::npos) << "the summary names each file";
-}
 
-TEST(Prepare, GeneratedSourcesOpenInTheProgramAndAQueryRuns)
-{
-    const std::string dir = testsupport::tempDir("prepare-generated");
+    // The generated sources: the result opens in the program and a query runs.
+    const std::string generated = testsupport::tempDir("prepare-generated");
     datagen::Options options;
-    datagen::writeSources(dir, options);
-    const PrepareRun r = prepareRun(dir + "/recipe.toml", dir + "/out");
-    ASSERT_EQ(r.code, 0) << r.err;
+    datagen::writeSources(generated, options);
+    const PrepareRun run = prepareRun(generated + "/recipe.toml", generated + "/out");
+    ASSERT_EQ(run.code, 0) << run.err;
 
-    FrmMain& f = qrun::panel(dir + "/out", qrun::kWindQuery, "200", "Max");
-    EXPECT_EQ(f.Map1->Layers().Count(), 26);  // all but 21_wind and 22_wind
+    FrmMain& form = qrun::panel(generated + "/out", qrun::kWindQuery, "200", "Max");
+    EXPECT_EQ(form.Map1->Layers().Count(), 26);  // all but 21_wind and 22_wind
     EXPECT_TRUE(testsupport::recorder().boxes.empty());
-    f.cmdUpdateMap->click();
+    form.cmdUpdateMap->click();
     EXPECT_GE(QueryDataTable().value_or(std::vector<QueryDataRow>{}).size(), 3u);
 }
 
