@@ -86,7 +86,7 @@ double polygonArea(const std::string& file)
 
 }  // namespace
 
-TEST(SmallDataset, StandardFilesWithGeometryFieldsProjectionCoverageTextsWithBlanksAndValuesOnTheBreaks)
+TEST(Datagen, StandardFilesAndTheirValuesTheSameBytesForASeedOmittedFilesRemovedAndTheLargeDatasetsCounts)
 {
     const Envelope land = open("39_countryboundary.shp")->extent();
     // Everything lies in the country; grid squares may reach one cell beyond.
@@ -155,10 +155,8 @@ TEST(SmallDataset, StandardFilesWithGeometryFieldsProjectionCoverageTextsWithBla
         classes.insert(std::upper_bound(std::begin(breaks), std::end(breaks), e) - std::begin(breaks));
     }
     EXPECT_EQ(classes.size(), 14u);
-}
 
-TEST(Datagen, SameSeedGivesTheSameBytesOmittingRemovesOnlyThoseFilesAndTheLargeDatasetMeetsItsCounts)
-{
+    // The same seed gives the same bytes; omitting over an earlier run removes only those files.
     const fs::path a = testsupport::tempDir("seed7a"), b = testsupport::tempDir("seed7b"), c = testsupport::tempDir("seed8");
     datagen::Options o{.seed = 7};
     datagen::generate(a.string(), o);

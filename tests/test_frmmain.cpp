@@ -30,8 +30,16 @@ QString captionOf(QWidget* w)
 
 QRect rectOf(const TwipsRect& r) { return QRect(r.Left, r.Top, r.Width, r.Height); }
 
+class UrlCatcher : public QObject {
+    Q_OBJECT
+public:
+    QList<QUrl> urls;
+public slots:
+    void open(const QUrl& url) { urls << url; }
+};
+
 // A sample of the design, some controls of each container.
-TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptionsAndEditOrLegendWaitsForTheFirstQuery)
+TEST_F(MainWindow, ControlsStandWhereDesignedEditOrLegendWaitsForTheFirstQueryAndHelpOpensTheHelpFileOrTheGuide)
 {
     struct Placed { const char* name; QWidget *widget, *container; QRect at; QString caption; };
     const Placed table[] = {
@@ -74,6 +82,30 @@ TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptionsAndEditOrLegendWai
     f.optEditLegend_Click(0), look();
     f.EditOrLegend(2), look();  // any other index shows neither panel
     EXPECT_EQ(shown, (QStringList{"edit", "legend", "edit", ""}));
+
+    // The help file the menu names opens where it lies; without it, the user guide beside the program opens in the
+    // browser, or a box says where it is.
+    const QString named = QDir::current().absoluteFilePath("Dovrik_ONLINE_DOC.chm");
+    const QString guide = QDir(QCoreApplication::applicationDirPath()).filePath("marlowan-guide.html");
+    ASSERT_TRUE(QFileInfo(guide).isFile()) << "the build puts the guide beside the program";
+    struct Case { bool helpFile, browser; QString opened, box; };
+    const Case cases[] = {
+        {true, true, named, ""},
+        {false, true, guide, ""},
+        {false, false, "", "No web browser could be started. The user guide is the file " + guide + "; open it in any web browser."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.opened.toStdString());
+        QFile help(named);
+        if (c.helpFile) ASSERT_TRUE(help.open(QIODevice::WriteOnly));
+        UrlCatcher catcher;
+        if (c.browser) QDesktopServices::setUrlHandler("file", &catcher, "open");
+        recorder().clear();
+        main->mnuHelp_Click();
+        QDesktopServices::unsetUrlHandler("file"), help.remove();
+        EXPECT_EQ(catcher.urls, c.opened.isEmpty() ? QList<QUrl>() : QList<QUrl>{QUrl::fromLocalFile(c.opened)});
+        EXPECT_EQ(recorder().texts(), c.box.isEmpty() ? QStringList() : QStringList{c.box});
+    }
 }
 
 // Each option button and check box shows a dark mark in its light box when
@@ -243,41 +275,6 @@ TEST_F(MainWindow, ExitUnloadsEveryFormTheNextUseStartsAfreshAndTheSplashShowsTh
     QCoreApplication::sendEvent((unloadFrmMain(), &frmSplash()), &key);
     EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
     EXPECT_NO_BOXES();
-}
-
-class UrlCatcher : public QObject {
-    Q_OBJECT
-public:
-    QList<QUrl> urls;
-public slots:
-    void open(const QUrl& url) { urls << url; }
-};
-
-// The help file the menu names opens where it lies; without it, the user
-// guide beside the program opens in the browser, or a box says where it is.
-TEST_F(MainWindow, HelpOpensTheNamedHelpFileOrElseTheUserGuide)
-{
-    const QString named = QDir::current().absoluteFilePath("Dovrik_ONLINE_DOC.chm");
-    const QString guide = QDir(QCoreApplication::applicationDirPath()).filePath("marlowan-guide.html");
-    ASSERT_TRUE(QFileInfo(guide).isFile()) << "the build puts the guide beside the program";
-    struct Case { bool helpFile, browser; QString opened, box; };
-    const Case cases[] = {
-        {true, true, named, ""},
-        {false, true, guide, ""},
-        {false, false, "", "No web browser could be started. The user guide is the file " + guide + "; open it in any web browser."},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.opened.toStdString());
-        QFile help(named);
-        if (c.helpFile) ASSERT_TRUE(help.open(QIODevice::WriteOnly));
-        UrlCatcher catcher;
-        if (c.browser) QDesktopServices::setUrlHandler("file", &catcher, "open");
-        recorder().clear();
-        main->mnuHelp_Click();
-        QDesktopServices::unsetUrlHandler("file"), help.remove();
-        EXPECT_EQ(catcher.urls, c.opened.isEmpty() ? QList<QUrl>() : QList<QUrl>{QUrl::fromLocalFile(c.opened)});
-        EXPECT_EQ(recorder().texts(), c.box.isEmpty() ? QStringList() : QStringList{c.box});
-    }
 }
 
 }  // namespace

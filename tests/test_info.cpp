@@ -89,7 +89,7 @@ protected:
 
 // Points and lines count within one three-hundredth of the visible width; the
 // same place is found at a small scale and missed at a larger one.
-TEST_F(InfoTest, PointsAndLinesWithinTheToleranceOfTheExtent)
+TEST_F(InfoTest, PointsAndLinesWithinTheToleranceOfTheExtentPolygonsContainingTheirListsOrTheTableOrNoFields)
 {
     Rectangle narrow = view;
     narrow.ScaleRectangle(0.5);
@@ -117,12 +117,10 @@ TEST_F(InfoTest, PointsAndLinesWithinTheToleranceOfTheExtent)
     EXPECT_EQ(QPoint(frmMain().iDownX, frmMain().iDownY), QPoint(tx, ty)) << "the press is stored as a press at the point";
     map().setExtent(narrow);
     EXPECT_EQ(IdentifyTextAt(x, y), "Airports\r\nNAME: near\r\n\r\n\r\n");
-}
 
-// A polygon must contain or touch the point. Hidden layers and the country boundary are never listed; sorted layers
-// follow their list, not the table.
-TEST_F(InfoTest, PolygonsContainOrTouchThePointSortedLayersFollowTheirListPlainOnesTheTableAndUnlistedShowNoFields)
-{
+    // A polygon must contain or touch the point. Hidden layers and the country boundary are never listed; sorted layers
+    // follow their list, not the table.
+    map().Layers().Clear();
     addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}},
              {{box(x - 100, y - 100, x + 100, y + 100), {txt("inside")}},
               {box(x, y - 100, x + 200, y + 100), {txt("edge")}},

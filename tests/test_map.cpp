@@ -85,41 +85,6 @@ protected:
     Map map;
 };
 
-TEST_F(MapTest, RefreshRaisesEventsForVisibleLayersBottomToTopAndOnlyChangesRenderAgain)
-{
-    EventLog log(map);
-    map.Refresh();
-    EXPECT_EQ(log.events, QStringList({"before tracking", "after tracking"})) << "an empty map too";
-
-    filled("a", 10, 10, 20, 20, Red);
-    filled("b", 30, 30, 40, 40, Red)->Visible = false;
-    filled("c", 50, 50, 60, 60, Red);  // c is on top, index 0; a is index 2
-    view100();
-    log.clear();
-    map.Refresh();
-    EXPECT_EQ(log.events, QStringList({"before 2", "after 2", "before 0", "after 0", "before tracking", "after tracking"}));
-    ASSERT_NE(log.painters.front(), nullptr);
-    EXPECT_EQ(log.painters, std::vector<QPainter*>(6, log.painters.front()));
-
-    // A layer without data is still a visible layer of the repaint.
-    map.Layers().Add(std::make_shared<MapLayer>());
-    log.clear();
-    map.Refresh();
-    EXPECT_EQ(log.events, QStringList({"before 3", "after 3", "before 1", "after 1", "before 0", "after 0",
-                                       "before tracking", "after tracking"}));
-
-    // A repaint for a label only blits; moving the view redraws within the call;
-    // a new size or a new layer makes the next repaint render afresh.
-    log.clear();
-    EXPECT_EQ(at(picture(), 15, 15), rgbOf(Red));
-    QList<int> counts{int(log.events.size())};
-    map.setExtent(Rectangle(0, 0, 50, 50)), counts << int(log.events.size());
-    map.resize(240, 200), picture(), counts << int(log.events.size());
-    filled("d", 60, 60, 70, 70, Blue), counts << int(log.events.size());
-    picture(), counts << int(log.events.size());
-    EXPECT_EQ(counts, QList<int>({0, 8, 16, 16, 26}));
-}
-
 TEST_F(MapTest, ShapesDrawnInFirstBeforeLayerDrawLieUnderEveryLayer)
 {
     // Bottom: an edge-only square on the right; top: a filled square on the left.
@@ -198,7 +163,7 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
               QList<QRgb>({rgbOf(RGB(26, 129, 78)), rgbOf(Grey), rgbOf(Grey), rgbOf(RGB(102, 140, 190)), rgbOf(Green), rgbOf(Blue)}));
 }
 
-TEST_F(MapTest, SetExtentKeepsTheAspectAboutTheCentreAndPointsFollowIt)
+TEST_F(MapTest, SetExtentKeepsTheAspectPointsFollowItAndRefreshRaisesEventsForVisibleLayersBottomToTop)
 {
     map.resize(200, 100);
     // Too tall: widened; too wide: heightened; in proportion: as asked.
@@ -226,6 +191,40 @@ TEST_F(MapTest, SetExtentKeepsTheAspectAboutTheCentreAndPointsFollowIt)
     EXPECT_EQ(log.events, QStringList({"before tracking", "after tracking"}));
     expectRect(map.Extent(), -70, -10, 130, 90);
     EXPECT_EQ(QPointF(map.ToMapPoint(1500, 750)->X(), map.ToMapPoint(1500, 750)->Y()), QPointF(30, 40));
+
+    // A refresh raises the events of the visible layers bottom to top; only changes render again.
+    map.resize(200, 200);
+    EventLog draws(map);
+    map.Refresh();
+    EXPECT_EQ(draws.events, QStringList({"before tracking", "after tracking"})) << "an empty map too";
+
+    filled("a", 10, 10, 20, 20, Red);
+    filled("b", 30, 30, 40, 40, Red)->Visible = false;
+    filled("c", 50, 50, 60, 60, Red);  // c is on top, index 0; a is index 2
+    view100();
+    draws.clear();
+    map.Refresh();
+    EXPECT_EQ(draws.events, QStringList({"before 2", "after 2", "before 0", "after 0", "before tracking", "after tracking"}));
+    ASSERT_NE(draws.painters.front(), nullptr);
+    EXPECT_EQ(draws.painters, std::vector<QPainter*>(6, draws.painters.front()));
+
+    // A layer without data is still a visible layer of the repaint.
+    map.Layers().Add(std::make_shared<MapLayer>());
+    draws.clear();
+    map.Refresh();
+    EXPECT_EQ(draws.events, QStringList({"before 3", "after 3", "before 1", "after 1", "before 0", "after 0",
+                                         "before tracking", "after tracking"}));
+
+    // A repaint for a label only blits; moving the view redraws within the call;
+    // a new size or a new layer makes the next repaint render afresh.
+    draws.clear();
+    EXPECT_EQ(at(picture(), 15, 15), rgbOf(Red));
+    QList<int> counts{int(draws.events.size())};
+    map.setExtent(Rectangle(0, 0, 50, 50)), counts << int(draws.events.size());
+    map.resize(240, 200), picture(), counts << int(draws.events.size());
+    filled("d", 60, 60, 70, 70, Blue), counts << int(draws.events.size());
+    picture(), counts << int(draws.events.size());
+    EXPECT_EQ(counts, QList<int>({0, 8, 16, 16, 26}));
 }
 
 class MapMouseTest : public MapTest {

@@ -42,7 +42,7 @@ std::vector<int> idsOf(const RecordsetPtr& rs)
 
 }  // namespace
 
-TEST(Selection, RangeExpressionsAreInclusiveNoneWhenNothingMatchesRecordsWalkInTableOrderAndDistancesReachTheEdge)
+TEST(Selection, RangesAreInclusiveNoneWhenNothingMatchesRecordsWalkInTableOrderDistancesReachTheEdgeBrokenFilesGiveNone)
 {
     auto wind = testsupport::layerOf(windFile(testsupport::tempDir("sel")));
     ASSERT_TRUE(wind);
@@ -79,6 +79,30 @@ TEST(Selection, RangeExpressionsAreInclusiveNoneWhenNothingMatchesRecordsWalkInT
     EXPECT_TRUE(at(500, 1000.5, 0).empty());
     EXPECT_EQ(at(500, 1000.5, 1), (std::vector<int>{0}));
     EXPECT_EQ(idsOf(wind->SearchByDistance(std::make_shared<Point>(1000, 500), 0, "WINDPWRD > 160")), std::vector<int>{1});
+
+    // Broken files give none and never a failure.
+    const std::string dir = testsupport::tempDir("broken");
+    windFile(dir);
+    namespace fs = std::filesystem;
+    auto copySet = [&](const std::string& name) {
+        for (const char* ext : {".shp", ".shx", ".dbf", ".prj"})
+            fs::copy_file(dir + "/20_wind" + ext, dir + "/" + name + ext);
+    };
+    DataConnection conn;
+    conn.Database = QString::fromStdString(dir) + "/";
+    ASSERT_TRUE(conn.Connect());
+    EXPECT_TRUE(conn.FindGeoDataset("20_wind.shp"));
+
+    copySet("nodbf"), copySet("noshx"), copySet("cut");
+    fs::remove(dir + "/nodbf.dbf"), fs::remove(dir + "/noshx.shx");
+    fs::resize_file(dir + "/cut.shp", fs::file_size(dir + "/cut.shp") / 2);
+    { QFile t(QString::fromStdString(dir + "/text.shp")); t.open(QIODevice::WriteOnly); t.write("not a shapefile\n"); }
+    for (const char* broken : {"nodbf.shp", "noshx.shp", "cut.shp", "text.shp", "missing.shp"})
+        EXPECT_EQ(conn.FindGeoDataset(broken), nullptr) << broken;
+
+    DataConnection none;
+    none.Database = QString::fromStdString(dir) + "/nowhere/";
+    EXPECT_TRUE(!none.Connect() && none.ConnectError != 0);
 }
 
 // A grid repeats its values; an expression over one field is evaluated once per
@@ -151,31 +175,5 @@ TEST(Overlays, AreasAgainstHandComputedValues)
     EXPECT_NEAR(line->Buffer(1)->Area(), 20 + M_PI, 0.05);
     EXPECT_EQ(QList<double>({a->Centroid()->X(), Point(0, 20).DistanceTo(a)}), QList<double>({5, 10}));
     EXPECT_THROW(a->Intersect(nullptr), MapError);
-}
-
-TEST(OpeningFiles, BrokenFilesGiveNoneAndNeverAFailure)
-{
-    const std::string dir = testsupport::tempDir("broken");
-    windFile(dir);
-    namespace fs = std::filesystem;
-    auto copySet = [&](const std::string& name) {
-        for (const char* ext : {".shp", ".shx", ".dbf", ".prj"})
-            fs::copy_file(dir + "/20_wind" + ext, dir + "/" + name + ext);
-    };
-    DataConnection conn;
-    conn.Database = QString::fromStdString(dir) + "/";
-    ASSERT_TRUE(conn.Connect());
-    EXPECT_TRUE(conn.FindGeoDataset("20_wind.shp"));
-
-    copySet("nodbf"), copySet("noshx"), copySet("cut");
-    fs::remove(dir + "/nodbf.dbf"), fs::remove(dir + "/noshx.shx");
-    fs::resize_file(dir + "/cut.shp", fs::file_size(dir + "/cut.shp") / 2);
-    { QFile t(QString::fromStdString(dir + "/text.shp")); t.open(QIODevice::WriteOnly); t.write("not a shapefile\n"); }
-    for (const char* broken : {"nodbf.shp", "noshx.shp", "cut.shp", "text.shp", "missing.shp"})
-        EXPECT_EQ(conn.FindGeoDataset(broken), nullptr) << broken;
-
-    DataConnection none;
-    none.Database = QString::fromStdString(dir) + "/nowhere/";
-    EXPECT_TRUE(!none.Connect() && none.ConnectError != 0);
 }
 

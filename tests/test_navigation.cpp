@@ -115,7 +115,7 @@ TEST_F(Navigation, ScaleTextsByUnitDistancesOnTheSpheroidAndFailedCalculations)
               QStringList{" Error while calculating the scale factor. Error Source:md_functions.CalculateScale()"});
 }
 
-TEST_F(Navigation, ZoomButtonsAboutTheCentreClicksAboutTheirPointAndDragsOtherToolsAndAnEmptyMapLeftAlone)
+TEST_F(Navigation, PressesRoundZoomButtonsAndClicksScaleAboutTheirPointDragsAndOtherToolsLeaveTheViewToolsSetThePointer)
 {
     // A release at (600 + dx, 600 + dy) after a press at (600, 600) that leaves the view as it was.
     auto expectUnchanged = [&](const char* what, int tool, float dx, float dy) {
@@ -125,6 +125,16 @@ TEST_F(Navigation, ZoomButtonsAboutTheCentreClicksAboutTheirPointAndDragsOtherTo
         main->Map1_MouseUp(1, 0, 600 + dx, 600 + dy);
         EXPECT_TRUE(map()->Extent()->Left == before->Left && map()->Extent()->Width() == before->Width()) << what;
     };
+    // A press stores the point rounded.
+    struct Press { float x, y; int16_t ix, iy; };
+    for (const Press c : {Press{10.5f, 11.5f, 10, 12}, Press{99.4f, 0.6f, 99, 1}, Press{2.5f, 3.5f, 2, 4}}) {
+        main->Map1_MouseDown(1, 0, c.x, c.y);
+        EXPECT_EQ(QPoint(main->iDownX, main->iDownY), QPoint(c.ix, c.iy));
+    }
+    // Info on an empty map: no window.
+    main->iToolMode = 2;
+    main->Map1_MouseDown(1, 0, 30, 30);
+    EXPECT_FALSE(frmInfoExists());
     expectUnchanged("empty map", 1, 0, 0);
     loadDirectory(q(testsupport::dataset()));
     main->cmdOriginalMap_Click();
@@ -181,22 +191,8 @@ TEST_F(Navigation, ZoomButtonsAboutTheCentreClicksAboutTheirPointAndDragsOtherTo
     const double w = map()->Extent()->Width();
     main->Map1_MouseUp(1, 0, 604.9f, 604.9f);
     EXPECT_NEAR(map()->Extent()->Width(), w / 2, 1e-6 * w);
-    EXPECT_NO_BOXES();
-}
 
-TEST_F(Navigation, MouseDownStoresThePointRoundedInformationOnlyOverAMapAndToolsSetThePointer)
-{
-    struct Case { float x, y; int16_t ix, iy; };
-    for (const Case c : {Case{10.5f, 11.5f, 10, 12}, Case{99.4f, 0.6f, 99, 1}, Case{2.5f, 3.5f, 2, 4}}) {
-        main->Map1_MouseDown(1, 0, c.x, c.y);
-        EXPECT_EQ(QPoint(main->iDownX, main->iDownY), QPoint(c.ix, c.iy));
-    }
-    // Info on an empty map: no window; on a loaded one, the information window.
-    main->iToolMode = 2;
-    main->Map1_MouseDown(1, 0, 30, 30);
-    EXPECT_FALSE(frmInfoExists());
-    EXPECT_NO_BOXES();
-    loadDirectory(q(testsupport::dataset()));
+    // On a loaded map, the information window.
     main->optPanZoom[2]->setChecked(true);
     ASSERT_EQ(main->iToolMode, 2);
     main->Map1_MouseDown(1, 0, 3000, 3000);
@@ -217,6 +213,7 @@ TEST_F(Navigation, MouseDownStoresThePointRoundedInformationOnlyOverAMapAndTools
     main->optPanZoom[0]->setChecked(true);
     loadDirectory(q(testsupport::dataset()));
     EXPECT_EQ(main->iToolMode, 0);
+    EXPECT_NO_BOXES();
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include "mapping/collection.h"
 #include "mapping/platform.h"
 
-TEST(NumberText, ShortestFormsFormatsOfTheSystemNumericTextsAndWholeNumbers)
+TEST(Platform, NumberTextsFormatsConversionsAndKeyedCollectionsWhoseNumberKeysStayExactWhenTheSequenceBreaks)
 {
     const std::pair<double, const char*> doubles[] = {{200, "200"}, {2.5, "2.5"}, {1.9999999999, "1.9999999999"},
         {6.999999999, "6.999999999"}, {0.0001, "0.0001"}, {10000, "10000"}, {-1, "-1"}, {0, "0"},
@@ -37,10 +37,8 @@ TEST(NumberText, ShortestFormsFormatsOfTheSystemNumericTextsAndWholeNumbers)
     EXPECT_EQ(conv::MulInt32(46340, 46340), 2147395600);
     EXPECT_THROW(conv::MulInt32(65536, 32768), MapError);
     EXPECT_THROW(conv::ToInt32(2147483648.0), MapError);
-}
 
-TEST(KeyedCollection, KeysIgnoreCaseMissingKeysFailAndNumberKeysStayExactWhenTheSequenceBreaks)
-{
+    // Collection keys ignore case, and missing keys fail.
     Collection<int> c;
     c.Add(7, "20_wind.shp"), c.Add(3, "43_roads.shp");
     EXPECT_TRUE(c.Item("20_WIND.SHP") == 7 && c.Count() == 2);
@@ -66,3 +64,4 @@ TEST(KeyedCollection, KeysIgnoreCaseMissingKeysFailAndNumberKeysStayExactWhenThe
     mixed.Add(1, "0"), mixed.Add(2), mixed.Add(3, "2");  // an item without key ends the numbering
     EXPECT_TRUE(!mixed.contains("1") && mixed.Item("2") == 3 && mixed.Item(2) == 2);
 }
+

@@ -35,8 +35,9 @@ protected:
 
 // After a load (the small dataset has fewer than 50 roads and cities) and
 // again on a reset, which leaves the files it does not name as they are.
-TEST_F(Visibility, DefaultsAfterALoadAndOnAResetAndTheFailuresOfBoth)
+TEST_F(Visibility, DefaultsAfterALoadOrAResetTheirFailuresTheLabelOfVisibleLayersAndTheFiftyFeatureRule)
 {
+    EXPECT_EQ(refilled(), "- No layers found -");
     loadDirectory(q(testsupport::dataset()));
     for (const QString& tag : kHidden + kShown) EXPECT_EQ(layer(tag)->Visible, kShown.contains(tag)) << tag.toStdString();
     for (const QString& tag : kLeftAlone) EXPECT_EQ(layer(tag)->Visible, !tag.contains("solar")) << tag.toStdString();
@@ -67,11 +68,9 @@ TEST_F(Visibility, DefaultsAfterALoadAndOnAResetAndTheFailuresOfBoth)
     SetDefaultVisibility(nullptr);
     EXPECT_EQ(recorder().texts(),
               QStringList{"Erro while setting default visibility Error Source:md_functions.SetDefaultVisibility()"});
-}
 
-TEST_F(Visibility, TheLabelListsVisibleLayersTopFirstAndRoadsAndCitiesShowBelowFiftyFeatures)
-{
-    EXPECT_EQ(refilled(), "- No layers found -");
+    // The label lists the visible layers top first, each with its separator.
+    recorder().clear();
 
     const QString dir = q(testsupport::tempDir("label"));
     for (const char* file : {"21_wind.shp", "30_lakes.shp", "39_countryboundary.shp"}) writeFeaturesIn(dir, file, 1);
