@@ -186,9 +186,8 @@ TEST_F(InfoTest, TheWindowAsDesignedAFailureKeepsTheTextAndEachActivationSearche
     EXPECT_TRUE(frmInfo().txtInfo->Text() == "Information from all layers" && recorder().boxes.empty());
 
     // A failure ends the activation with its text; the box keeps what it had.
-    auto unbound = std::make_shared<MapLayer>();
-    unbound->Tag = "30_lakes.shp";
-    map().Layers().Add(unbound);
+    map().Layers().Add(std::make_shared<MapLayer>());
+    map().Layers().Item(0)->Tag = "30_lakes.shp";
     frmInfo().txtInfo->setText("kept");
     EXPECT_EQ(identify(), "kept");
     map().Layers().Clear();
