@@ -26,6 +26,14 @@ inline FrmMain& freshMain()
     return f;
 }
 
+// A case with a fresh main form, unloaded afterwards.
+struct MainTest : ::testing::Test {
+    void TearDown() override { unloadFrmMain(); }
+    Map* map() { return main->Map1; }
+    FrmMain& f = freshMain();
+    FrmMain* main = &f;
+};
+
 inline QString q(const std::string& s) { return QString::fromStdString(s); }
 
 // n small squares in a row (or their centres, or their diagonals), with an ID and a NAME field.
@@ -49,16 +57,6 @@ inline void writeFeaturesIn(const QString& dir, const QString& file, int n,
                             datagen::GeomKind kind = datagen::GeomKind::Polygon)
 {
     writeFeatures(QDir(dir).filePath(file).toStdString(), n, kind);
-}
-
-// A copy of a generated dataset, for cases that add or remove files.
-inline QString copyOfDataset(const std::string& name, const std::set<std::string>& omit = {})
-{
-    const QString src = q(testsupport::dataset("small", 1, omit));
-    const QString dst = q(testsupport::tempDir(name));
-    for (const QString& f : QDir(src).entryList(QDir::Files))
-        QFile::copy(QDir(src).filePath(f), QDir(dst).filePath(f));
-    return dst;
 }
 
 // Loads a directory as if any file in it had been picked.

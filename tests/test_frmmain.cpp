@@ -18,12 +18,7 @@ using testsupport::recorder;
 
 namespace {
 
-class MainWindow : public ::testing::Test {
-protected:
-    void SetUp() override { main = &freshMain(); }
-    void TearDown() override { unloadFrmMain(); }
-    FrmMain* main = nullptr;
-};
+using MainWindow = MainTest;
 
 QString captionOf(QWidget* w)
 {
@@ -35,10 +30,17 @@ QString captionOf(QWidget* w)
 
 QRect rectOf(const TwipsRect& r) { return QRect(r.Left, r.Top, r.Width, r.Height); }
 
+class UrlCatcher : public QObject {
+    Q_OBJECT
+public:
+    QList<QUrl> urls;
+public slots:
+    void open(const QUrl& url) { urls << url; }
+};
+
 // A sample of the design, some controls of each container.
-TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
+TEST_F(MainWindow, ControlsStandWhereDesignedEditOrLegendWaitsForTheFirstQueryAndHelpOpensTheHelpFileOrTheGuide)
 {
-    FrmMain& f = *main;
     struct Placed { const char* name; QWidget *widget, *container; QRect at; QString caption; };
     const Placed table[] = {
         {"cboSelectQuery", f.cboSelectQuery, f.centralWidget(), {120, 720, 3615, 315}, "No Query (Base Map)"},
@@ -71,13 +73,45 @@ TEST_F(MainWindow, ControlsStandWhereDesignedWithTheirCaptions)
     QStringList menus;
     for (QAction* a : f.mnuFile->actions() + f.menuBar()->actions()) menus << a->text();
     EXPECT_EQ(menus, (QStringList{"Open Dataset...", "Save Result", "Print", "Exit", "File", "Help"}));
+    // The Edit/Legend choice waits for the first query.
+    QStringList shown;
+    auto look = [&] { shown << QString(Visible(f.fraEdit) ? "edit" : "") + (Visible(f.fraLegend) ? "legend" : ""); };
+    f.optEditLegend[1]->setChecked(true), look();  // no effect while the start-up picture shows
+    f.bFirstQuery = false;
+    f.optEditLegend[0]->setChecked(true), f.optEditLegend[1]->setChecked(true), look();
+    f.optEditLegend_Click(0), look();
+    f.EditOrLegend(2), look();  // any other index shows neither panel
+    EXPECT_EQ(shown, (QStringList{"edit", "legend", "edit", ""}));
+
+    // The help file the menu names opens where it lies; without it, the user guide beside the program opens in the
+    // browser, or a box says where it is.
+    const QString named = QDir::current().absoluteFilePath("Dovrik_ONLINE_DOC.chm");
+    const QString guide = QDir(QCoreApplication::applicationDirPath()).filePath("marlowan-guide.html");
+    ASSERT_TRUE(QFileInfo(guide).isFile()) << "the build puts the guide beside the program";
+    struct Case { bool helpFile, browser; QString opened, box; };
+    const Case cases[] = {
+        {true, true, named, ""},
+        {false, true, guide, ""},
+        {false, false, "", "No web browser could be started. The user guide is the file " + guide + "; open it in any web browser."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.opened.toStdString());
+        QFile help(named);
+        if (c.helpFile) ASSERT_TRUE(help.open(QIODevice::WriteOnly));
+        UrlCatcher catcher;
+        if (c.browser) QDesktopServices::setUrlHandler("file", &catcher, "open");
+        recorder().clear();
+        main->mnuHelp_Click();
+        QDesktopServices::unsetUrlHandler("file"), help.remove();
+        EXPECT_EQ(catcher.urls, c.opened.isEmpty() ? QList<QUrl>() : QList<QUrl>{QUrl::fromLocalFile(c.opened)});
+        EXPECT_EQ(recorder().texts(), c.box.isEmpty() ? QStringList() : QStringList{c.box});
+    }
 }
 
 // Each option button and check box shows a dark mark in its light box when
 // chosen, the tools on the black map holder too.
-TEST_F(MainWindow, ChosenOptionsAndTickedBoxesShowTheirMark)
+TEST_F(MainWindow, ChosenOptionsShowTheirMarkAndTheShownWindowKeepsItsControlsInViewAndFitsTheScreen)
 {
-    FrmMain& f = *main;
     f.fraEditLegend->setVisible(true), f.chkProtectedAreas->setVisible(true);
     for (QAbstractButton* b : std::initializer_list<QAbstractButton*>{f.optPanZoom[0], f.optPanZoom[1], f.optPanZoom[2],
                                                                      f.optEditLegend[0], f.optEditLegend[1], f.chkProtectedAreas}) {
@@ -97,13 +131,9 @@ TEST_F(MainWindow, ChosenOptionsAndTickedBoxesShowTheirMark)
         };
         EXPECT_TRUE(lightness(false) > 160 && lightness(true) < 100);
     }
-}
 
-// Shown, the window holds the query panel and the map's buttons in view at
-// its smallest, and opens no larger than the screen.
-TEST_F(MainWindow, TheWindowKeepsItsControlsInViewAndFitsTheScreen)
-{
-    FrmMain& f = *main;
+    // Shown, the window holds the query panel and the map's buttons in view at its smallest, and opens no larger than
+    // the screen.
     f.show();
     const QRect screen = f.screen()->availableGeometry();
     EXPECT_TRUE(f.width() <= std::max(screen.width(), f.minimumWidth()) && f.height() <= std::max(screen.height(), f.minimumHeight()));
@@ -113,10 +143,8 @@ TEST_F(MainWindow, TheWindowKeepsItsControlsInViewAndFitsTheScreen)
         EXPECT_TRUE(f.rect().contains(QRect(w->mapTo(&f, QPoint(0, 0)), w->size()))) << captionOf(w).toStdString();
 }
 
-
 TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSizeByTheMarginsMeasuredAtLoad)
 {
-    FrmMain& f = *main;
     EXPECT_EQ((std::array<int, 4>{f.FormHeight(), f.FormWidth(), f.iFrameWidthMargin, f.iMapHeightMargin}),
               (std::array{8835, 12630, 12630 - 8790, 8835 - 6705}));
     const TwipsRect left = Twips(f.fraStartUpImage), scale = Twips(f.cboScale);
@@ -142,11 +170,9 @@ TEST_F(MainWindow, OnlyTheMapGroupFollowsTheFormSizeByTheMarginsMeasuredAtLoad)
     EXPECT_NO_BOXES();
 }
 
-// The enabled state after each way into it: start, a load with layers, a
-// load without, and a query run.
-TEST_F(MainWindow, EnabledStateFollowsTheStateTable)
+// The enabled state after each way into it: start, a load with layers, a load without, and a query run.
+TEST_F(MainWindow, EnabledStateFollowsTheStateTableAndDrawEventsAreTheBeatOfTheInterface)
 {
-    FrmMain& f = *main;
     auto navigation = [&] {
         return QList<bool>{f.cmdZoomIn->isEnabled(), f.cmdZoomOut->isEnabled(), f.cboScale->isEnabled(),
                            f.optPanZoom[0]->isEnabled(), f.optPanZoom[1]->isEnabled(), f.optPanZoom[2]->isEnabled(),
@@ -184,99 +210,9 @@ TEST_F(MainWindow, EnabledStateFollowsTheStateTable)
     loadDirectory(none);
     EXPECT_EQ(navigation(), off);
     EXPECT_TRUE(!Visible(f.cmdOriginalMap) && f.cmdChangeLayers->isEnabled());
-    EXPECT_NO_BOXES();
-}
 
-TEST_F(MainWindow, EditOrLegendWaitsForTheFirstQuery)
-{
-    FrmMain& f = *main;
-    QStringList shown;
-    auto look = [&] { shown << QString(Visible(f.fraEdit) ? "edit" : "") + (Visible(f.fraLegend) ? "legend" : ""); };
-    f.optEditLegend[1]->setChecked(true), look();  // no effect while the start-up picture shows
-    f.bFirstQuery = false;
-    f.optEditLegend[0]->setChecked(true), f.optEditLegend[1]->setChecked(true), look();
-    f.optEditLegend_Click(0), look();
-    f.EditOrLegend(2), look();  // any other index shows neither panel
-    EXPECT_EQ(shown, (QStringList{"edit", "legend", "edit", ""}));
-}
-
-TEST_F(MainWindow, ExitUnloadsEveryFormAndTheNextUseStartsAfresh)
-{
-    frmShowLayersDialog();
-    loadDirectory(q(testsupport::dataset()));
-    ShowFrmInfo();
-    ASSERT_TRUE(frmShowLayersDialogExists() && frmInfoExists());
-
-    main->mnuExit_Click();
-    EXPECT_FALSE(frmMainExists() || frmShowLayersDialogExists() || frmInfoExists());
-    EXPECT_NO_BOXES();
-    // A new form is made and loaded at the next use, with an empty map.
-    EXPECT_TRUE(frmMain().bFormLoaded && frmMain().Map1->Layers().Count() == 0);
-}
-
-class UrlCatcher : public QObject {
-    Q_OBJECT
-public:
-    QList<QUrl> urls;
-public slots:
-    void open(const QUrl& url) { urls << url; }
-};
-
-// The help file the menu names opens where it lies; without it, the user
-// guide beside the program opens in the browser, or a box says where it is.
-TEST_F(MainWindow, HelpOpensTheNamedHelpFileOrElseTheUserGuide)
-{
-    const QString named = QDir::current().absoluteFilePath("Dovrik_ONLINE_DOC.chm");
-    const QString guide = QDir(QCoreApplication::applicationDirPath()).filePath("marlowan-guide.html");
-    ASSERT_TRUE(QFileInfo(guide).isFile()) << "the build puts the guide beside the program";
-    struct Case { bool helpFile, browser; QString opened, box; };
-    const Case cases[] = {
-        {true, true, named, ""},
-        {false, true, guide, ""},
-        {false, false, "", "No web browser could be started. The user guide is the file " + guide + "; open it in any web browser."},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.opened.toStdString());
-        QFile help(named);
-        if (c.helpFile) ASSERT_TRUE(help.open(QIODevice::WriteOnly));
-        UrlCatcher catcher;
-        if (c.browser) QDesktopServices::setUrlHandler("file", &catcher, "open");
-        recorder().clear();
-        main->mnuHelp_Click();
-        QDesktopServices::unsetUrlHandler("file"), help.remove();
-        EXPECT_EQ(catcher.urls, c.opened.isEmpty() ? QList<QUrl>() : QList<QUrl>{QUrl::fromLocalFile(c.opened)});
-        EXPECT_EQ(recorder().texts(), c.box.isEmpty() ? QStringList() : QStringList{c.box});
-    }
-}
-
-TEST_F(MainWindow, SplashLoadsTheMainFormAndShowsItWhenDismissed)
-{
-    unloadFrmMain();
-    ResetProgramState();
-    FrmSplash& s = frmSplash();
-    EXPECT_EQ(s.lblVersion->text(), "Version 1.2.0   (Click anywhere to continue)");
-    EXPECT_EQ(s.imgSplash->pixmap().deviceIndependentSize().toSize(), s.imgSplash->size());  // the picture fills its control
-    ASSERT_TRUE(frmMainExists() && frmShowLayersDialogExists());
-    EXPECT_TRUE(frmMain().bFormLoaded && !frmMain().isVisible() && !frmShowLayersDialog().isVisible());
-
-    // A click on the version label does nothing; one on the picture ends the
-    // splash and shows the main form; so does a key.
-    QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-    QKeyEvent key(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ");
-    QCoreApplication::sendEvent(s.lblVersion, &press);
-    EXPECT_TRUE(frmSplashExists() && !frmMain().isVisible());
-    QCoreApplication::sendEvent(s.imgSplash, &press);
-    EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
-    QCoreApplication::sendEvent((unloadFrmMain(), &frmSplash()), &key);
-    EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
-    EXPECT_NO_BOXES();
-}
-
-// One repaint: results are drawn at the first layer only, the interface is
-// brought up to date before the tracking layer, and the end re-arms the next.
-TEST_F(MainWindow, DrawEventsAreTheBeatOfTheInterface)
-{
-    FrmMain& f = *main;
+    // One repaint: results are drawn at the first layer only, the interface is brought up to date before the tracking
+    // layer, and the end re-arms the next.
     loadDirectory(q(testsupport::dataset()));
     struct Seen { QString event; bool drawn; QString label; };
     std::vector<Seen> seen;
@@ -305,6 +241,40 @@ TEST_F(MainWindow, DrawEventsAreTheBeatOfTheInterface)
     oMarkedShape.reset();
 }
 
+
+TEST_F(MainWindow, ExitUnloadsEveryFormTheNextUseStartsAfreshAndTheSplashShowsTheMainFormWhenDismissed)
+{
+    frmShowLayersDialog();
+    loadDirectory(q(testsupport::dataset()));
+    ShowFrmInfo();
+    ASSERT_TRUE(frmShowLayersDialogExists() && frmInfoExists());
+
+    main->mnuExit_Click();
+    EXPECT_FALSE(frmMainExists() || frmShowLayersDialogExists() || frmInfoExists());
+    // A new form is made and loaded at the next use, with an empty map.
+    EXPECT_TRUE(frmMain().bFormLoaded && frmMain().Map1->Layers().Count() == 0);
+
+    // At start the splash loads the main form and shows it when dismissed.
+    unloadFrmMain();
+    ResetProgramState();
+    FrmSplash& s = frmSplash();
+    EXPECT_EQ(s.lblVersion->text(), "Version 1.2.0   (Click anywhere to continue)");
+    EXPECT_EQ(s.imgSplash->pixmap().deviceIndependentSize().toSize(), s.imgSplash->size());  // the picture fills its control
+    ASSERT_TRUE(frmMainExists() && frmShowLayersDialogExists());
+    EXPECT_TRUE(frmMain().bFormLoaded && !frmMain().isVisible() && !frmShowLayersDialog().isVisible());
+
+    // A click on the version label does nothing; one on the picture ends the
+    // splash and shows the main form; so does a key.
+    QMouseEvent press(QEvent::MouseButtonPress, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ");
+    QCoreApplication::sendEvent(s.lblVersion, &press);
+    EXPECT_TRUE(frmSplashExists() && !frmMain().isVisible());
+    QCoreApplication::sendEvent(s.imgSplash, &press);
+    EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
+    QCoreApplication::sendEvent((unloadFrmMain(), &frmSplash()), &key);
+    EXPECT_TRUE(!frmSplashExists() && frmMain().isVisible());
+    EXPECT_NO_BOXES();
+}
 
 }  // namespace
 

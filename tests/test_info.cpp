@@ -3,7 +3,7 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <fstream>
+#include <QFile>
 
 #include "app/frmMain.h"
 #include "datagen.h"
@@ -21,11 +21,9 @@ void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString()
 
 namespace {
 
+using testsupport::box;
+
 std::string xy(double x, double y) { return QString("%1 %2").arg(x, 0, 'g', 17).arg(y, 0, 'g', 17).toStdString(); }
-std::string box(double x0, double y0, double x1, double y1)
-{
-    return "POLYGON((" + xy(x0, y0) + "," + xy(x1, y0) + "," + xy(x1, y1) + "," + xy(x0, y1) + "," + xy(x0, y0) + "))";
-}
 std::string line(double x0, double y0, double x1, double y1) { return "LINESTRING(" + xy(x0, y0) + "," + xy(x1, y1) + ")"; }
 std::string pointAt(double x, double y) { return "POINT(" + xy(x, y) + ")"; }
 
@@ -34,12 +32,9 @@ datagen::AttrValue txt(const char* s) { return std::string(s); }
 // The .dbf writer refuses names differing only in case: the second is respelt in the header afterwards.
 void renameDbfField(const std::string& dbfPath, int index, const std::string& name)
 {
-    std::fstream f(dbfPath, std::ios::in | std::ios::out | std::ios::binary);
-    ASSERT_TRUE(f.is_open());
-    char field[11] = {};
-    std::copy(name.begin(), name.end(), field);
-    f.seekp(32 + 32 * index);
-    f.write(field, 11);
+    QFile f(QString::fromStdString(dbfPath));
+    ASSERT_TRUE(f.open(QIODevice::ReadWrite) && f.seek(32 + 32 * index));
+    f.write(QByteArray::fromStdString(name).leftJustified(11, '\0'));
 }
 
 class InfoTest : public ::testing::Test {
@@ -67,9 +62,7 @@ protected:
         const std::string path = dir + "/l" + std::to_string(files++) + ".shp";
         datagen::writeShapefile(path, kind, fields, features, false);
         for (auto& [i, n] : renames) renameDbfField(path.substr(0, path.size() - 4) + ".dbf", i, n);
-        auto layer = std::make_shared<MapLayer>();
-        layer->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
-        EXPECT_TRUE(layer->GeoDataset()) << path;
+        MapLayerPtr layer = testsupport::layerOf(path);
         layer->Tag = tag;
         layer->Name = name.isEmpty() ? tag : name;
         map().Layers().Add(layer);
@@ -94,22 +87,9 @@ protected:
     std::string around;  // a square about the press point
 };
 
-TEST_F(InfoTest, PolygonMustContainOrTouchThePoint)
-{
-    addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}},
-             {{box(x - 100, y - 100, x + 100, y + 100), {txt("inside")}},
-              {box(x, y - 100, x + 200, y + 100), {txt("edge")}},
-              {box(x + 0.001, y - 100, x + 200, y + 100), {txt("just outside")}},
-              {box(x - 300, y - 300, x - 0.001, y - 0.001), {txt("corner outside")}}},
-             "Lakes");
-    EXPECT_EQ(identify(), "Lakes\r\nName: inside\r\n\r\nName: edge\r\n\r\n\r\n");
-    EXPECT_EQ(IdentifyTextAt(x + 150, y - 150), "") << "nothing found replaces the old text";
-    EXPECT_TRUE(recorder().boxes.empty());
-}
-
 // Points and lines count within one three-hundredth of the visible width; the
 // same place is found at a small scale and missed at a larger one.
-TEST_F(InfoTest, PointsAndLinesWithinTheToleranceOfTheExtent)
+TEST_F(InfoTest, PointsAndLinesWithinTheToleranceOfTheExtentPolygonsContainingTheirListsOrTheTableOrNoFields)
 {
     Rectangle narrow = view;
     narrow.ScaleRectangle(0.5);
@@ -137,12 +117,16 @@ TEST_F(InfoTest, PointsAndLinesWithinTheToleranceOfTheExtent)
     EXPECT_EQ(QPoint(frmMain().iDownX, frmMain().iDownY), QPoint(tx, ty)) << "the press is stored as a press at the point";
     map().setExtent(narrow);
     EXPECT_EQ(IdentifyTextAt(x, y), "Airports\r\nNAME: near\r\n\r\n\r\n");
-}
 
-// Hidden layers and the country boundary are never listed; sorted layers
-// follow their list, not the table.
-TEST_F(InfoTest, SortedLayersFollowTheirListNotTheTable)
-{
+    // A polygon must contain or touch the point. Hidden layers and the country boundary are never listed; sorted layers
+    // follow their list, not the table.
+    map().Layers().Clear();
+    addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}},
+             {{box(x - 100, y - 100, x + 100, y + 100), {txt("inside")}},
+              {box(x, y - 100, x + 200, y + 100), {txt("edge")}},
+              {box(x + 0.001, y - 100, x + 200, y + 100), {txt("just outside")}},
+              {box(x - 300, y - 300, x - 0.001, y - 0.001), {txt("corner outside")}}},
+             "Lakes");
     for (const char* tag : {"39_countryboundary.shp", "39_COUNTRYBOUNDARY.SHP"})
         addLayer(tag, GeomKind::Polygon, {{"NAME", 'C'}}, {{around, {txt("Land")}}});
     addLayer("30_lakes.shp", GeomKind::Polygon, {{"NAME", 'C'}}, {{around, {txt("Hidden lake")}}}, "Lakes")->Visible = false;
@@ -158,14 +142,19 @@ TEST_F(InfoTest, SortedLayersFollowTheirListNotTheTable)
               "WINDCLASS : 4\r\nWINDPWRD : 400\r\n\r\n\r\n"
               "Cities\r\n"
               "NAME :   OLD TOWN\r\nTYPE : CAPITAL\r\nPOP : 12000\r\n\r\n"
-              "NAME : ASH\r\nTYPE : VILLAGE\r\nPOP : 7\r\n\r\n\r\n");
-}
+              "NAME : ASH\r\nTYPE : VILLAGE\r\nPOP : 7\r\n\r\n\r\n"
+              "Lakes\r\nName: inside\r\n\r\nName: edge\r\n\r\n\r\n");
+    EXPECT_EQ(IdentifyTextAt(x + 150, y - 150), "") << "nothing found replaces the old text";
+    EXPECT_TRUE(recorder().boxes.empty());
 
-// Layers without a list (a Tag differing in case from the table has none)
-// show their name and blank lines; listed fields a table lacks are left out;
-// plain layers keep the table's order, spelling and values.
-TEST_F(InfoTest, PlainUnlistedAndIncompleteLayers)
-{
+    // Layers without a list (a Tag differing in case from the table has none) show their name and blank lines; listed
+    // fields a table lacks are left out; plain layers keep the table's order, spelling and values. Fields differing only
+    // in case show in both formats.
+    map().Layers().Clear();
+    addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}, {"NAMX", 'C'}}, {{around, {txt("first"), txt("second")}}},
+             "Lakes", {{1, "NAME"}});
+    addLayer("31_protectedarea.shp", GeomKind::Polygon, {{"TYPE", 'C'}, {"Name", 'C'}, {"NAMX", 'C'}},
+             {{around, {txt("park"), txt("first"), txt("second")}}}, "Protected Areas", {{2, "NAME"}});
     addLayer("02_landuse.shp", GeomKind::Polygon, {{"AREA", 'N', 12, 2}, {"Land_Use", 'C'}},
              {{around, {3.5, txt("  mixed Forest")}}}, "Land Use");
     addLayer("21_wind.shp", GeomKind::Polygon, {{"WINDPWRD", 'N', 10, 1}}, {{around, {200.0}}, {around, {300.0}}}, "l0");
@@ -174,21 +163,12 @@ TEST_F(InfoTest, PlainUnlistedAndIncompleteLayers)
     addLayer("51_powerplant.shp", GeomKind::Polygon, {{"OWNER", 'C'}}, {{around, {txt("state")}}}, "Power Plants");
     EXPECT_EQ(identify(), "Power Plants\r\n\r\n\r\nFacilities\r\nNAME : DEPOT\r\n\r\n\r\n"
                           "Upper wind\r\n\r\n\r\nl0\r\n\r\n\r\n\r\n"
-                          "Land Use\r\nLand_Use:   mixed Forest\r\n\r\n\r\n");
+                          "Land Use\r\nLand_Use:   mixed Forest\r\n\r\n\r\n"
+                          "Protected Areas\r\nNAME : FIRST\r\nTYPE : PARK\r\n\r\n\r\n"
+                          "Lakes\r\nName: first\r\nNAME: second\r\n\r\n\r\n");
 }
 
-TEST_F(InfoTest, FieldsDifferingOnlyInCaseInBothFormats)
-{
-    addLayer("30_lakes.shp", GeomKind::Polygon, {{"Name", 'C'}, {"NAMX", 'C'}}, {{around, {txt("first"), txt("second")}}},
-             "Lakes", {{1, "NAME"}});
-    addLayer("31_protectedarea.shp", GeomKind::Polygon, {{"TYPE", 'C'}, {"Name", 'C'}, {"NAMX", 'C'}},
-             {{around, {txt("park"), txt("first"), txt("second")}}}, "Protected Areas", {{2, "NAME"}});
-    EXPECT_EQ(identify(),
-              "Protected Areas\r\nNAME : FIRST\r\nTYPE : PARK\r\n\r\n\r\n"
-              "Lakes\r\nName: first\r\nNAME: second\r\n\r\n\r\n");
-}
-
-TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloadsAFailureKeepsTheText)
+TEST_F(InfoTest, TheWindowAsDesignedAFailureKeepsTheTextAndEachActivationSearchesAgainButNotAReturnFromAModalBox)
 {
     FrmInfo* first = &frmInfo();
     EXPECT_EQ(QStringList({first->windowTitle(), first->OKButton->text()}), QStringList({"Map Information", "OK"}));
@@ -206,21 +186,16 @@ TEST_F(InfoTest, TheWindowAsDesignedOkClearsAndHidesTheCloseBoxUnloadsAFailureKe
     EXPECT_TRUE(frmInfo().txtInfo->Text() == "Information from all layers" && recorder().boxes.empty());
 
     // A failure ends the activation with its text; the box keeps what it had.
-    auto unbound = std::make_shared<MapLayer>();
-    unbound->Tag = "30_lakes.shp";
-    map().Layers().Add(unbound);
+    map().Layers().Add(std::make_shared<MapLayer>());
+    map().Layers().Item(0)->Tag = "30_lakes.shp";
     frmInfo().txtInfo->setText("kept");
     EXPECT_EQ(identify(), "kept");
     map().Layers().Clear();
     EXPECT_EQ(recorder().texts(), QStringList{" Error while Trying to activate Info Form. Error Source:frmInfo.Form_Activate()"});
-}
 
-// Each activation searches again with the stored press position: after a
-// zoom the same position is another map point. Closing one of our own boxes
-// gives the form the focus back; that is no new activation, or a failing
-// search would show its box again and again.
-TEST_F(InfoTest, EachActivationSearchesAgainAtTheStoredPositionButNotAReturnFromAModalBox)
-{
+    // Each activation searches again with the stored press position: after a zoom the same position is another map
+    // point. Closing one of our own boxes gives the form the focus back; that is no new activation, or a failing search
+    // would show its box again and again.
     addLayer("53_airports.shp", GeomKind::Point, {{"NAME", 'C'}},
              {{pointAt(x, y), {txt("centre")}}, {pointAt(x + 20000, y), {txt("east")}}}, "Airports");
     pressAtCentre();

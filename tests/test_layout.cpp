@@ -1,7 +1,6 @@
-// Every form in every arrangement of the query panel, as drawn with the font
-// in use: each caption fits its control and runs under no other control, and
-// no two controls overlap that the design keeps apart. Run at the default
-// scale and again with the screen scaled by 2.
+// Every form in every arrangement of the query panel, as drawn with the font in use: each caption fits its control and
+// runs under no other control, and no two controls overlap that the design keeps apart. Run at the default scale and
+// again with the screen scaled by 2.
 #include <QGroupBox>
 #include <QPushButton>
 #include <QRadioButton>
@@ -24,16 +23,12 @@ QRect designOf(const QWidget* w) { return w->property("twips").toRect(); }
 
 QString describe(const QWidget* w)
 {
-    auto* l = qobject_cast<const QLabel*>(w);
-    auto* b = qobject_cast<const QAbstractButton*>(w);
-    auto* g = qobject_cast<const QGroupBox*>(w);
-    const QString caption = l ? l->text() : b ? b->text() : g ? g->title() : QString();
+    const QString caption = w->property("text").toString() + w->property("title").toString();  // of a label, button or frame
     const QRect d = designOf(w);
     return QString("%1 \"%2\" at %3,%4 %5x%6").arg(w->metaObject()->className(), caption.left(40)).arg(d.x()).arg(d.y()).arg(d.width()).arg(d.height());
 }
 
-// The words of a text as drawn in an area with the given flags, each as the
-// box of its letters.
+// The words of a text as drawn in an area with the given flags, each as the box of its letters.
 QList<QRect> linesOf(const QFont& font, const QRect& area, int flags, const QString& text)
 {
     QTextLayout layout(text, font);
@@ -61,8 +56,7 @@ QList<QRect> linesOf(const QFont& font, const QRect& area, int flags, const QStr
     return out;
 }
 
-// Where a control's caption is drawn, line by line in its parent's
-// coordinates, and whether it fits the control.
+// Where a control's caption is drawn, line by line in its parent's coordinates, and whether it fits the control.
 struct Caption { QList<QRect> lines; bool fits = true; };
 
 std::optional<Caption> captionOf(QWidget* w)
@@ -97,8 +91,7 @@ std::optional<Caption> captionOf(QWidget* w)
     return std::nullopt;
 }
 
-// Labels, check boxes, option buttons and frames draw their captions alone;
-// the others paint their whole area.
+// Labels, check boxes, option buttons and frames draw their captions alone; the others paint their whole area.
 bool opaque(const QWidget* w)
 {
     return w->autoFillBackground() || !(qobject_cast<const QLabel*>(w) || qobject_cast<const QCheckBox*>(w) ||

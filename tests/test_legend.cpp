@@ -26,14 +26,10 @@ protected:
     MapLayerPtr layer(const std::string& name, const std::string& field, char type, const std::vector<AttrValue>& values)
     {
         std::vector<FeatureSpec> f;
-        for (size_t i = 0; i < values.size(); ++i) {
-            const std::string x0 = std::to_string(i * 10), x1 = std::to_string(i * 10 + 8);
-            f.push_back({"POLYGON((" + x0 + " 0, " + x1 + " 0, " + x1 + " 8, " + x0 + " 8, " + x0 + " 0))", {values[i]}});
-        }
+        for (size_t i = 0; i < values.size(); ++i) f.push_back({testsupport::box(i * 10.0, 0, i * 10.0 + 8, 8), {values[i]}});
         const std::string path = dir + "/" + name + ".shp";
         datagen::writeShapefile(path, GeomKind::Polygon, {{field, type, type == 'C' ? 40 : 19, type == 'C' ? 0 : 4}}, f, false);
-        auto l = std::make_shared<MapLayer>();
-        l->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
+        MapLayerPtr l = testsupport::layerOf(path);
         l->Name = QString::fromStdString(name);
         return map.Layers().Add(l), l;
     }
@@ -41,8 +37,7 @@ protected:
     static ClassBreaksRendererPtr breaks(const QString& field, const std::vector<double>& b)
     {
         auto r = std::make_shared<ClassBreaksRenderer>();
-        r->Field = field;
-        r->setBreakCount(int(b.size()));
+        r->Field = field, r->setBreakCount(int(b.size()));
         for (size_t i = 0; i < b.size(); ++i) r->setBreak(int(i), b[i]);
         return r;
     }
@@ -53,15 +48,13 @@ protected:
     Legend legend;
 };
 
-TEST_F(LegendTest, EntriesFollowTheLayersTopFirstWithTheirClasses)
+TEST_F(LegendTest, EntriesFollowTheLayersTopFirstWithTheirClassesAndCheckBoxesSwitchVisibleBeforeTheEvent)
 {
     layer("Wind", "WINDPWRD", 'N', {150.0, 450.0, 900.0})->Renderer = breaks("WINDPWRD", {200, 300, 400, 500, 600, 800});
     layer("Solar", "ANNDIR", 'N', {2.2, 3.7})->Renderer = breaks("ANNDIR", {1.9999999999, 2.5, 2.9999999999});
     layer("Elevation", "Elev_m", 'N', {-20.0, 700.0})->Renderer = breaks("Elev_m", {200, 400});
     auto values = std::make_shared<ValueMapRenderer>();
-    values->Field = "LAND_USE";
-    values->setValueCount(2);
-    values->setValue(0, "FOREST"), values->setValue(1, " WATER");
+    values->Field = "LAND_USE", values->setValueCount(2), values->setValue(0, "FOREST"), values->setValue(1, " WATER");
     layer("Land Use", "LAND_USE", 'C', {std::string("FOREST"), std::string("WATER")})->Renderer = values;
     layer("Lakes", "VALUE", 'N', {1.0});
 
@@ -81,14 +74,9 @@ TEST_F(LegendTest, EntriesFollowTheLayersTopFirstWithTheirClasses)
     map.Layers().Remove(0);
     legend.FillLegend(true);
     EXPECT_EQ(std::pair(legend.entryCount(), legend.entryName(0)), std::pair(4, QString("Land Use")));
-}
 
-TEST_F(LegendTest, CheckBoxSwitchesVisibleBeforeTheEventAndDrawsNothingItself)
-{
-    MapLayerPtr bottom = layer("Bottom", "VALUE", 'N', {1.0});
-    MapLayerPtr top = layer("Top", "VALUE", 'N', {1.0});
-    legend.FillLegend(true);
-
+    // A check box switches Visible before the event and draws nothing itself.
+    const MapLayerPtr top = map.Layers().Item(0), second = map.Layers().Item(1);
     QStringList seen;
     QObject::connect(&legend, &Legend::AfterSetLayerVisible, &legend, [&](int index, bool state) {
         seen << QString("%1 %2 %3").arg(index).arg(int(state)).arg(int(map.Layers().Item(index)->Visible));
@@ -97,7 +85,7 @@ TEST_F(LegendTest, CheckBoxSwitchesVisibleBeforeTheEventAndDrawsNothingItself)
     QObject::connect(&map, &Map::AfterTrackingLayerDraw, &map, [&](QPainter*) { ++draws; });
 
     legend.clickCheckBox(1);
-    EXPECT_FALSE(bottom->Visible);
+    EXPECT_FALSE(second->Visible);
     legend.clickCheckBox(1);
     legend.clickCheckBox(5);   // no such entry
     legend.clickCheckBox(-1);

@@ -19,8 +19,7 @@ const auto* const kFifteenTwips = ::testing::AddGlobalTestEnvironment(new Fiftee
 
 using namespace datagen;
 
-std::string square(double x0, double y0, double x1, double y1)
-{ return QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(x0).arg(y0).arg(x1).arg(y1).toStdString(); }
+using testsupport::box;
 
 ShapePtr shapeOf(const std::string& wkt) { return shapeFromGeom(geomFromWkt(wkt.c_str())); }
 
@@ -39,7 +38,6 @@ void expectRect(const RectanglePtr& r, double left, double bottom, double right,
 }
 
 constexpr int Red = RGB(255, 0, 0), Blue = RGB(0, 0, 255), Green = RGB(0, 160, 0), Black = RGB(0, 0, 0), Grey = RGB(90, 90, 90);
-const QRgb White = qRgb(255, 255, 255);
 
 // Records the draw events as short texts, with the painter each one brought.
 struct EventLog {
@@ -66,24 +64,20 @@ protected:
     {
         const std::string path = dir + "/" + name + ".shp";
         datagen::writeShapefile(path, kind, fields, features, false);
-        auto l = std::make_shared<MapLayer>();
-        l->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
-        EXPECT_TRUE(l->GeoDataset()) << path;
+        MapLayerPtr l = testsupport::layerOf(path);
         l->Name = QString::fromStdString(name);
         return map.Layers().Add(l), l;
     }
 
-    MapLayerPtr polygons(const std::string& name, const std::vector<std::string>& wkts, int color)
+    // A layer of one rectangle filled with the colour.
+    MapLayerPtr filled(const std::string& name, double x0, double y0, double x1, double y1, int color)
     {
-        std::vector<FeatureSpec> f;
-        for (const auto& w : wkts) f.push_back({w, {1.0}});
-        MapLayerPtr l = layer(name, GeomKind::Polygon, f);
+        MapLayerPtr l = layer(name, GeomKind::Polygon, {{box(x0, y0, x1, y1), {1.0}}});
         return l->Symbol = solid(color), l;
     }
 
     // With the view at 0..100 on a 200 px square: two pixels to the unit.
-    static QPoint px(double x, double y) { return QPoint(int(x * 2), int((100 - y) * 2)); }
-    QRgb at(const QImage& img, double x, double y) { return img.pixel(px(x, y)); }
+    QRgb at(const QImage& img, double x, double y) { return img.pixel(int(x * 2), int((100 - y) * 2)); }
     QImage picture() { return map.grab().toImage().convertToFormat(QImage::Format_RGB32); }
     void view100() { map.setExtent(Rectangle(0, 0, 100, 100)); }
 
@@ -91,47 +85,12 @@ protected:
     Map map;
 };
 
-TEST_F(MapTest, RefreshRaisesEventsForVisibleLayersBottomToTopAndOnlyChangesRenderAgain)
-{
-    EventLog log(map);
-    map.Refresh();
-    EXPECT_EQ(log.events, QStringList({"before tracking", "after tracking"})) << "an empty map too";
-
-    polygons("a", {square(10, 10, 20, 20)}, Red);
-    polygons("b", {square(30, 30, 40, 40)}, Red)->Visible = false;
-    polygons("c", {square(50, 50, 60, 60)}, Red);  // c is on top, index 0; a is index 2
-    view100();
-    log.clear();
-    map.Refresh();
-    EXPECT_EQ(log.events, QStringList({"before 2", "after 2", "before 0", "after 0", "before tracking", "after tracking"}));
-    ASSERT_NE(log.painters.front(), nullptr);
-    EXPECT_EQ(log.painters, std::vector<QPainter*>(6, log.painters.front()));
-
-    // A layer without data is still a visible layer of the repaint.
-    map.Layers().Add(std::make_shared<MapLayer>());
-    log.clear();
-    map.Refresh();
-    EXPECT_EQ(log.events, QStringList({"before 3", "after 3", "before 1", "after 1", "before 0", "after 0",
-                                       "before tracking", "after tracking"}));
-
-    // A repaint for a label only blits; moving the view redraws within the call;
-    // a new size or a new layer makes the next repaint render afresh.
-    log.clear();
-    EXPECT_EQ(at(picture(), 15, 15), rgbOf(Red));
-    QList<int> counts{int(log.events.size())};
-    map.setExtent(Rectangle(0, 0, 50, 50)), counts << int(log.events.size());
-    map.resize(240, 200), picture(), counts << int(log.events.size());
-    polygons("d", {square(60, 60, 70, 70)}, Blue), counts << int(log.events.size());
-    picture(), counts << int(log.events.size());
-    EXPECT_EQ(counts, QList<int>({0, 8, 16, 16, 26}));
-}
-
 TEST_F(MapTest, ShapesDrawnInFirstBeforeLayerDrawLieUnderEveryLayer)
 {
     // Bottom: an edge-only square on the right; top: a filled square on the left.
-    SymbolPtr edge = polygons("edge", {square(60, 10, 90, 90)}, Green)->Symbol;
+    SymbolPtr edge = filled("edge", 60, 10, 90, 90, Green)->Symbol;
     edge->Style = 1, edge->Outline = true, edge->OutlineColor = Black;
-    polygons("fill", {square(0, 0, 50, 100)}, Red);
+    filled("fill", 0, 0, 50, 100, Red);
     view100();
 
     // A result symbol as a query makes it: only Color and Outline set.
@@ -140,7 +99,7 @@ TEST_F(MapTest, ShapesDrawnInFirstBeforeLayerDrawLieUnderEveryLayer)
     QObject::connect(&map, &Map::BeforeLayerDraw, &map, [&](int index, QPainter*) {
         if (drawn) return;
         firstIndex = index;
-        map.DrawShape(shapeOf(square(0, 0, 100, 100)), solid(Blue));
+        map.DrawShape(shapeOf(box(0, 0, 100, 100)), solid(Blue));
         drawn = true;
     });
     QObject::connect(&map, &Map::AfterTrackingLayerDraw, &map, [&](QPainter*) { drawn = false; });
@@ -148,14 +107,13 @@ TEST_F(MapTest, ShapesDrawnInFirstBeforeLayerDrawLieUnderEveryLayer)
     QImage img = picture();
 
     EXPECT_EQ(firstIndex, 1);
-    // A filled layer covers the result; it shows solid through an edge-only
-    // layer, whose edge lies over it.
+    // A filled layer covers the result; it shows solid through an edge-only layer, whose edge lies over it.
     EXPECT_EQ(QList<QRgb>({at(img, 25, 50), at(img, 75, 50), at(img, 55, 50), at(img, 60, 50)}),
               QList<QRgb>({rgbOf(Red), rgbOf(Blue), rgbOf(Blue), rgbOf(Black)}));
 
     // Outside a repaint it paints on the picture at once, without a redraw.
     EventLog log(map);
-    map.DrawShape(shapeOf(square(20, 90, 30, 95)), solid(Green));
+    map.DrawShape(shapeOf(box(20, 90, 30, 95)), solid(Green));
     EXPECT_TRUE(log.events.isEmpty());
     EXPECT_EQ(at(picture(), 25, 92), rgbOf(Green));
     EXPECT_THROW(map.DrawShape(nullptr, solid(Green)), MapError);
@@ -166,7 +124,7 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
     // One square per value, left to right; the null one keeps the layer symbol.
     const std::vector<AttrValue> values = {199.9, 200.0, 200.1, 300.0, 300.5, 1e6, -5.0, std::monostate{}};
     std::vector<FeatureSpec> f;
-    for (size_t i = 0; i < values.size(); ++i) f.push_back({square(i * 12.0 + 1, 40, i * 12.0 + 11, 60), {values[i]}});
+    for (size_t i = 0; i < values.size(); ++i) f.push_back({box(i * 12.0 + 1, 40, i * 12.0 + 11, 60), {values[i]}});
     MapLayerPtr l = layer("wind", GeomKind::Polygon, f, {{"WINDPWRD", 'N', 19, 4}});
     l->Symbol = solid(Grey);
     auto r = std::make_shared<ClassBreaksRenderer>();
@@ -180,12 +138,11 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
     const int expected[] = {colors[0], colors[0], colors[1], colors[1], colors[2], colors[2], colors[0], Grey};
     for (size_t i = 0; i < values.size(); ++i) EXPECT_EQ(at(img, i * 12.0 + 6, 50), rgbOf(expected[i])) << "square " << i;
 
-    // Value maps match the stored text exactly, with case and leading blanks; a
-    // renderer on a field the layer lacks, or on text that is no number, leaves
-    // the layer symbol.
+    // Value maps match the stored text exactly, with case and leading blanks; a renderer on a field the layer lacks, or
+    // on text that is no number, leaves the layer symbol.
     const std::vector<std::string> texts = {"FOREST", " FOREST", "forest", "WATER"};
     std::vector<FeatureSpec> g;
-    for (size_t i = 0; i < texts.size(); ++i) g.push_back({square(i * 20.0 + 2, 60, i * 20.0 + 18, 80), {texts[i]}});
+    for (size_t i = 0; i < texts.size(); ++i) g.push_back({box(i * 20.0 + 2, 60, i * 20.0 + 18, 80), {texts[i]}});
     MapLayerPtr landuse = layer("landuse", GeomKind::Polygon, g, {{"LAND_USE", 'C', 40}});
     landuse->Symbol = solid(Grey);
     auto valueMap = std::make_shared<ValueMapRenderer>();
@@ -195,9 +152,9 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
 
     auto breaks = std::make_shared<ClassBreaksRenderer>();
     breaks->Field = "WINDPWRD", breaks->setBreakCount(1), breaks->Symbol(0)->Color = breaks->Symbol(1)->Color = Red;
-    MapLayerPtr noField = polygons("nofield", {square(10, 10, 30, 30)}, Green);
+    MapLayerPtr noField = filled("nofield", 10, 10, 30, 30, Green);
     noField->Renderer = breaks;
-    MapLayerPtr text = layer("text", GeomKind::Polygon, {{square(60, 10, 80, 30), {std::string("abc")}}}, {{"WINDPWRD", 'C', 10}});
+    MapLayerPtr text = layer("text", GeomKind::Polygon, {{box(60, 10, 80, 30), {std::string("abc")}}}, {{"WINDPWRD", 'C', 10}});
     text->Symbol = solid(Blue), text->Renderer = breaks;
     img = picture();
 
@@ -206,15 +163,14 @@ TEST_F(MapTest, ClassBreakValueOnABreakTakesTheLowerClassAndUnclassedFeaturesKee
               QList<QRgb>({rgbOf(RGB(26, 129, 78)), rgbOf(Grey), rgbOf(Grey), rgbOf(RGB(102, 140, 190)), rgbOf(Green), rgbOf(Blue)}));
 }
 
-TEST_F(MapTest, SetExtentKeepsTheAspectAboutTheCentreAndPointsFollowIt)
+TEST_F(MapTest, SetExtentKeepsTheAspectPointsFollowItAndRefreshRaisesEventsForVisibleLayersBottomToTop)
 {
     map.resize(200, 100);
-    map.setExtent(Rectangle(0, 0, 100, 100));
-    expectRect(map.Extent(), -50, 0, 150, 100);  // too tall: widened
-    map.setExtent(Rectangle(0, 0, 400, 100));
-    expectRect(map.Extent(), 0, -50, 400, 150);  // too wide: heightened
-    map.setExtent(Rectangle(10, 10, 50, 30));
-    expectRect(map.Extent(), 10, 10, 50, 30);
+    // Too tall: widened; too wide: heightened; in proportion: as asked.
+    for (const auto& [asked, got] : {std::pair{Rectangle(0, 0, 100, 100), Rectangle(-50, 0, 150, 100)},
+                                     {Rectangle(0, 0, 400, 100), Rectangle(0, -50, 400, 150)},
+                                     {Rectangle(10, 10, 50, 30), Rectangle(10, 10, 50, 30)}})
+        map.setExtent(asked), expectRect(map.Extent(), got.Left, got.Bottom, got.Right, got.Top);
 
     // An empty rectangle leaves the extent and draws nothing.
     EventLog log(map);
@@ -235,6 +191,40 @@ TEST_F(MapTest, SetExtentKeepsTheAspectAboutTheCentreAndPointsFollowIt)
     EXPECT_EQ(log.events, QStringList({"before tracking", "after tracking"}));
     expectRect(map.Extent(), -70, -10, 130, 90);
     EXPECT_EQ(QPointF(map.ToMapPoint(1500, 750)->X(), map.ToMapPoint(1500, 750)->Y()), QPointF(30, 40));
+
+    // A refresh raises the events of the visible layers bottom to top; only changes render again.
+    map.resize(200, 200);
+    EventLog draws(map);
+    map.Refresh();
+    EXPECT_EQ(draws.events, QStringList({"before tracking", "after tracking"})) << "an empty map too";
+
+    filled("a", 10, 10, 20, 20, Red);
+    filled("b", 30, 30, 40, 40, Red)->Visible = false;
+    filled("c", 50, 50, 60, 60, Red);  // c is on top, index 0; a is index 2
+    view100();
+    draws.clear();
+    map.Refresh();
+    EXPECT_EQ(draws.events, QStringList({"before 2", "after 2", "before 0", "after 0", "before tracking", "after tracking"}));
+    ASSERT_NE(draws.painters.front(), nullptr);
+    EXPECT_EQ(draws.painters, std::vector<QPainter*>(6, draws.painters.front()));
+
+    // A layer without data is still a visible layer of the repaint.
+    map.Layers().Add(std::make_shared<MapLayer>());
+    draws.clear();
+    map.Refresh();
+    EXPECT_EQ(draws.events, QStringList({"before 3", "after 3", "before 1", "after 1", "before 0", "after 0",
+                                         "before tracking", "after tracking"}));
+
+    // A repaint for a label only blits; moving the view redraws within the call;
+    // a new size or a new layer makes the next repaint render afresh.
+    draws.clear();
+    EXPECT_EQ(at(picture(), 15, 15), rgbOf(Red));
+    QList<int> counts{int(draws.events.size())};
+    map.setExtent(Rectangle(0, 0, 50, 50)), counts << int(draws.events.size());
+    map.resize(240, 200), picture(), counts << int(draws.events.size());
+    filled("d", 60, 60, 70, 70, Blue), counts << int(draws.events.size());
+    picture(), counts << int(draws.events.size());
+    EXPECT_EQ(counts, QList<int>({0, 8, 16, 16, 26}));
 }
 
 class MapMouseTest : public MapTest {

@@ -23,26 +23,21 @@ QString geographicWkt(const QString& unit)
 
 QString projectedWkt(const QString& unit, double toMetres = 1.0)
 {
-    return QStringLiteral("PROJCS[\"Test_TM\",GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\","
-                          "6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\",0.0174532925199433]],"
+    return QStringLiteral("PROJCS[\"Test_TM\",GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\",6378137.0,"
+                          "298.257223563]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\",0.0174532925199433]],"
                           "PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"False_Easting\",500000.0],"
-                          "PARAMETER[\"False_Northing\",0.0],PARAMETER[\"Central_Meridian\",21.0],"
-                          "PARAMETER[\"Scale_Factor\",0.9996],PARAMETER[\"Latitude_Of_Origin\",0.0],"
-                          "UNIT[\"%1\",%2]]")
+                          "PARAMETER[\"False_Northing\",0.0],PARAMETER[\"Central_Meridian\",21.0],PARAMETER[\"Scale_Factor\","
+                          "0.9996],PARAMETER[\"Latitude_Of_Origin\",0.0],UNIT[\"%1\",%2]]")
         .arg(unit, QString::number(toMetres, 'g', 17));
 }
 
 // One standard file with a polygon over the box and a projection file of the text (none when empty).
 void writeLayer(const QString& dir, const QString& name, double l, double b, double r, double t, const QString& wkt)
 {
-    const QString box = QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(l).arg(b).arg(r).arg(t);
     datagen::writeShapefile(QDir(dir).filePath(name).toStdString(), datagen::GeomKind::Polygon, {{"ID", 'I'}},
-                            {{box.toStdString(), {1LL}}}, false);
-    if (!wkt.isEmpty()) {
-        QFile prj(QDir(dir).filePath(QString(name).replace(".shp", ".prj")));
-        ASSERT_TRUE(prj.open(QIODevice::WriteOnly));
-        prj.write(wkt.toUtf8());
-    }
+                            {{testsupport::box(l, b, r, t), {1LL}}}, false);
+    if (QFile prj(QDir(dir).filePath(QString(name).replace(".shp", ".prj"))); !wkt.isEmpty())
+        ASSERT_TRUE(prj.open(QIODevice::WriteOnly) && prj.write(wkt.toUtf8()) > 0);
 }
 
 // Loads only the country boundary in the system, over 20 by 20 degrees or 2000 by 2000 km.
@@ -54,6 +49,7 @@ void loadCountry(const std::string& name, const QString& wkt)
     loadDirectory(dir);
 }
 
+// The platform passed the coordinates by reference.
 double miles(Map* map, double lon1, double lat1, double lon2, double lat2) { return DegreesToMiles(map, lon1, lat1, lon2, lat2); }
 
 // A view exactly w wide about (cx, cy), in the control's proportions so that the map keeps that width.
@@ -63,19 +59,18 @@ void showWidth(Map* map, double cx, double cy, double w)
     map->setExtent(Rectangle(cx - w / 2, cy - h / 2, cx + w / 2, cy + h / 2));
 }
 
-class Navigation : public ::testing::Test {
-protected:
-    void SetUp() override { main = &freshMain(); }
-    void TearDown() override { unloadFrmMain(); }
-    FrmMain* main = nullptr;
-    Map* map() { return main->Map1; }
-};
+using Navigation = MainTest;
 
-// Unit names are compared in lower case; only degree and meter convert.
-TEST_F(Navigation, ScaleTextsByUnit)
+// Unit names are compared in lower case; only degree and meter convert. Distances are measured on a spheroid.
+TEST_F(Navigation, ScaleTextsByUnitDistancesOnTheSpheroidAndFailedCalculations)
 {
     ASSERT_EQ(map()->Width(), 8565);
     EXPECT_EQ(CalculateScale(map()), "- No Map - ");
+    // No layer to take the spheroid from: the failure shows its text and gives nothing.
+    EXPECT_EQ(miles(map(), 0, 40, 10, 40), 0.0);
+    EXPECT_EQ(recorder().texts(),
+              QStringList{" Error while converting degree to mile. Error Source:md_functions.DegreesToMiles()"});
+    recorder().clear();
 
     struct Case { const char* name; QString wkt; const char* text; };
     const Case cases[] = {
@@ -93,7 +88,6 @@ TEST_F(Navigation, ScaleTextsByUnit)
         EXPECT_EQ(CalculateScale(map()), c.text);
         EXPECT_TRUE(main->cboScale->Text() == c.text && main->cboScale->ListCount() == 1);
     }
-    EXPECT_NO_BOXES();
 
     // Only the top layer's coordinate system counts.
     const QString dir = q(testsupport::tempDir("no-units"));
@@ -102,15 +96,6 @@ TEST_F(Navigation, ScaleTextsByUnit)
     loadDirectory(dir);
     ASSERT_EQ(map()->Layers().Item(0)->Tag, "39_countryboundary.shp");
     EXPECT_EQ(CalculateScale(map()), "- No Units - ");
-}
-
-TEST_F(Navigation, DistancesOnTheSpheroidAndFailedCalculations)
-{
-    // No layer to take the spheroid from: the failure shows its text and gives nothing.
-    EXPECT_EQ(miles(map(), 0, 40, 10, 40), 0.0);
-    EXPECT_EQ(recorder().texts(),
-              QStringList{" Error while converting degree to mile. Error Source:md_functions.DegreesToMiles()"});
-    recorder().clear();
 
     loadCountry("spheroid", geographicWkt("Degree"));
     EXPECT_EQ(miles(map(), 0, 40, 0, 40), 0.0);  // the same point: no division by zero
@@ -119,8 +104,7 @@ TEST_F(Navigation, DistancesOnTheSpheroidAndFailedCalculations)
     EXPECT_DOUBLE_EQ(DegToRad(180.0), 3.14159265358979);
     EXPECT_NO_BOXES();
 
-    // A projected top layer measures on the fall-back spheroid, which is the
-    // same here, so the worked value holds.
+    // A projected top layer measures on the fall-back spheroid, which is the same here, so the worked value holds.
     loadCountry("spheroid-tm", projectedWkt("Meter"));
     EXPECT_NEAR(miles(map(), 0, 40, 10, 40), 530.3584, 0.00005);
 
@@ -131,31 +115,50 @@ TEST_F(Navigation, DistancesOnTheSpheroidAndFailedCalculations)
               QStringList{" Error while calculating the scale factor. Error Source:md_functions.CalculateScale()"});
 }
 
-TEST_F(Navigation, ZoomButtonsAboutTheCentreAndClicksAboutTheirPoint)
+TEST_F(Navigation, PressesRoundZoomButtonsAndClicksScaleAboutTheirPointDragsAndOtherToolsLeaveTheViewToolsSetThePointer)
 {
+    // A release at (600 + dx, 600 + dy) after a press at (600, 600) that leaves the view as it was.
+    auto expectUnchanged = [&](const char* what, int tool, float dx, float dy) {
+        const RectanglePtr before = map()->Extent();
+        main->iToolMode = int16_t(tool);
+        main->iDownX = main->iDownY = 600;
+        main->Map1_MouseUp(1, 0, 600 + dx, 600 + dy);
+        EXPECT_TRUE(map()->Extent()->Left == before->Left && map()->Extent()->Width() == before->Width()) << what;
+    };
+    // A press stores the point rounded.
+    struct Press { float x, y; int16_t ix, iy; };
+    for (const Press c : {Press{10.5f, 11.5f, 10, 12}, Press{99.4f, 0.6f, 99, 1}, Press{2.5f, 3.5f, 2, 4}}) {
+        main->Map1_MouseDown(1, 0, c.x, c.y);
+        EXPECT_EQ(QPoint(main->iDownX, main->iDownY), QPoint(c.ix, c.iy));
+    }
+    // Info on an empty map: no window.
+    main->iToolMode = 2;
+    main->Map1_MouseDown(1, 0, 30, 30);
+    EXPECT_FALSE(frmInfoExists());
+    expectUnchanged("empty map", 1, 0, 0);
     loadDirectory(q(testsupport::dataset()));
     main->cmdOriginalMap_Click();
     const RectanglePtr start = map()->Extent();
     const double cx = (start->Left + start->Right) / 2, cy = (start->Top + start->Bottom) / 2;
-    auto widthIs = [&](double k) { EXPECT_NEAR(map()->Extent()->Width(), start->Width() * k, 1e-6 * start->Width()); };
-    EXPECT_FALSE(Visible(main->cmdOriginalMap));
+    // The width against the full view, and whether the way back to it is offered.
+    auto expectView = [&](double k, bool back) {
+        EXPECT_NEAR(map()->Extent()->Width(), start->Width() * k, 1e-6 * start->Width());
+        EXPECT_EQ(Visible(main->cmdOriginalMap), back) << k;
+    };
+    expectView(1, false);
 
     bQueryDrawn = true;
     main->cmdZoomIn->click();
     const RectanglePtr e = map()->Extent();
-    widthIs(0.5);
+    expectView(0.5, true);  // the repaint showed the way back
     EXPECT_LT(std::hypot((e->Left + e->Right) / 2 - cx, (e->Top + e->Bottom) / 2 - cy), 1e-6 * start->Width());
-    EXPECT_TRUE(!bQueryDrawn && Visible(main->cmdOriginalMap));  // the repaint showed the way back
-
+    EXPECT_FALSE(bQueryDrawn);
     main->cmdZoomOut->click(), main->cmdZoomOut->click();
-    widthIs(2);
-    EXPECT_FALSE(Visible(main->cmdOriginalMap));
-
+    expectView(2, false);
     for (int i = 0; i < 3; ++i) main->cmdZoomIn->click();
-    EXPECT_TRUE(Visible(main->cmdOriginalMap));
+    expectView(0.25, true);
     main->cmdOriginalMap->click();
-    widthIs(1);
-    EXPECT_FALSE(Visible(main->cmdOriginalMap));
+    expectView(1, false);
 
     // Panned away at the full size: no way back is offered.
     map()->CenterAt(cx + start->Width() / 3, cy);
@@ -179,23 +182,8 @@ TEST_F(Navigation, ZoomButtonsAboutTheCentreAndClicksAboutTheirPoint)
         EXPECT_NEAR(after->Width(), before->Width() * c.factor, 1e-6 * before->Width());
         EXPECT_LT(std::hypot((after->Left + after->Right) / 2 - px, (after->Top + after->Bottom) / 2 - py), 1e-6 * before->Width());
     }
-    EXPECT_NO_BOXES();
-}
-
-TEST_F(Navigation, MouseUpLeavesDragsOtherToolsAndAnEmptyMapAlone)
-{
-    // A release at (600 + dx, 600 + dy) after a press at (600, 600).
-    auto expectUnchanged = [&](const char* what, int tool, float dx, float dy) {
-        const RectanglePtr before = map()->Extent();
-        main->iToolMode = int16_t(tool);
-        main->iDownX = main->iDownY = 600;
-        main->Map1_MouseUp(1, 0, 600 + dx, 600 + dy);
-        EXPECT_TRUE(map()->Extent()->Left == before->Left && map()->Extent()->Width() == before->Width()) << what;
-    };
-    expectUnchanged("empty map", 1, 0, 0);
-    loadDirectory(q(testsupport::dataset()));
-    struct Case { const char* what; int tool; float dx, dy; };
-    for (const Case& c : {Case{"drag of 5 across", 1, 5, 0}, {"drag of 5 down", 1, 0, -5}, {"pan", 0, 0, 0},
+    struct Left { const char* what; int tool; float dx, dy; };
+    for (const Left& c : {Left{"drag of 5 across", 1, 5, 0}, {"drag of 5 down", 1, 0, -5}, {"pan", 0, 0, 0},
                           {"info", 2, 0, 0}, {"no tool", 3, 0, 0}})
         expectUnchanged(c.what, c.tool, c.dx, c.dy);
     // 4.9 twips is still a click.
@@ -203,21 +191,8 @@ TEST_F(Navigation, MouseUpLeavesDragsOtherToolsAndAnEmptyMapAlone)
     const double w = map()->Extent()->Width();
     main->Map1_MouseUp(1, 0, 604.9f, 604.9f);
     EXPECT_NEAR(map()->Extent()->Width(), w / 2, 1e-6 * w);
-}
 
-TEST_F(Navigation, MouseDownStoresThePointRoundedInformationOnlyOverAMapAndToolsSetThePointer)
-{
-    struct Case { float x, y; int16_t ix, iy; };
-    for (const Case c : {Case{10.5f, 11.5f, 10, 12}, Case{99.4f, 0.6f, 99, 1}, Case{2.5f, 3.5f, 2, 4}}) {
-        main->Map1_MouseDown(1, 0, c.x, c.y);
-        EXPECT_EQ(QPoint(main->iDownX, main->iDownY), QPoint(c.ix, c.iy));
-    }
-    // Info on an empty map: no window; on a loaded one, the information window.
-    main->iToolMode = 2;
-    main->Map1_MouseDown(1, 0, 30, 30);
-    EXPECT_FALSE(frmInfoExists());
-    EXPECT_NO_BOXES();
-    loadDirectory(q(testsupport::dataset()));
+    // On a loaded map, the information window.
     main->optPanZoom[2]->setChecked(true);
     ASSERT_EQ(main->iToolMode, 2);
     main->Map1_MouseDown(1, 0, 3000, 3000);
@@ -238,6 +213,7 @@ TEST_F(Navigation, MouseDownStoresThePointRoundedInformationOnlyOverAMapAndTools
     main->optPanZoom[0]->setChecked(true);
     loadDirectory(q(testsupport::dataset()));
     EXPECT_EQ(main->iToolMode, 0);
+    EXPECT_NO_BOXES();
 }
 
 }  // namespace

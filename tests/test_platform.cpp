@@ -1,5 +1,4 @@
-// Number texts, conversions and the keyed collection: many exact texts of
-// the program hang on these.
+// Number texts, conversions and the keyed collection: many exact texts of the program hang on these.
 #include <gtest/gtest.h>
 
 #include <tuple>
@@ -7,7 +6,7 @@
 #include "mapping/collection.h"
 #include "mapping/platform.h"
 
-TEST(NumberText, ShortestFormsAsThePlatformPrintedThemAndFormatsOfTheSystem)
+TEST(Platform, NumberTextsFormatsConversionsAndKeyedCollectionsWhoseNumberKeysStayExactWhenTheSequenceBreaks)
 {
     const std::pair<double, const char*> doubles[] = {{200, "200"}, {2.5, "2.5"}, {1.9999999999, "1.9999999999"},
         {6.999999999, "6.999999999"}, {0.0001, "0.0001"}, {10000, "10000"}, {-1, "-1"}, {0, "0"},
@@ -23,10 +22,8 @@ TEST(NumberText, ShortestFormsAsThePlatformPrintedThemAndFormatsOfTheSystem)
     for (const auto& [v, text] : {std::pair{0.125, "12.5%"}, {0.0, "0.0%"}, {1.0, "100.0%"}})
         EXPECT_EQ(conv::FormatPercent(v), text);
     EXPECT_EQ(conv::Trim("  forest "), "forest");
-}
 
-TEST(NumberText, NumericTextsAndWholeNumbersThatRoundHalvesToEvenAndOverflow)
-{
+    // Numeric texts, and whole numbers that round halves to even and overflow.
     for (const char* yes : {" 5 ", "5.", ".5", "1e3", "-1", "+2.5", "0.001", "25"})
         EXPECT_TRUE(conv::IsNumeric(yes)) << yes;
     for (const char* no : {"", "   ", "abc", "1,000", "5 5", "Max", "-", "."})
@@ -40,10 +37,8 @@ TEST(NumberText, NumericTextsAndWholeNumbersThatRoundHalvesToEvenAndOverflow)
     EXPECT_EQ(conv::MulInt32(46340, 46340), 2147395600);
     EXPECT_THROW(conv::MulInt32(65536, 32768), MapError);
     EXPECT_THROW(conv::ToInt32(2147483648.0), MapError);
-}
 
-TEST(KeyedCollection, KeysIgnoreCaseMissingKeysFailAndNumberKeysStayExactWhenTheSequenceBreaks)
-{
+    // Collection keys ignore case, and missing keys fail.
     Collection<int> c;
     c.Add(7, "20_wind.shp"), c.Add(3, "43_roads.shp");
     EXPECT_TRUE(c.Item("20_WIND.SHP") == 7 && c.Count() == 2);
@@ -69,3 +64,4 @@ TEST(KeyedCollection, KeysIgnoreCaseMissingKeysFailAndNumberKeysStayExactWhenThe
     mixed.Add(1, "0"), mixed.Add(2), mixed.Add(3, "2");  // an item without key ends the numbering
     EXPECT_TRUE(!mixed.contains("1") && mixed.Item("2") == 3 && mixed.Item(2) == 2);
 }
+

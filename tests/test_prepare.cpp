@@ -43,11 +43,7 @@ void writeTiff(const std::string& path, int epsg, double x0, double yTop, double
     GDALDatasetUniquePtr ds(GetGDALDriverManager()->GetDriverByName("GTiff")->Create(path.c_str(), w, h, 1, type, nullptr));
     double gt[6] = {x0, pixel, 0, yTop, 0, -pixel};
     ds->SetGeoTransform(gt);
-    if (epsg) {
-        OGRSpatialReference srs;
-        srs.importFromEPSG(epsg);
-        ds->SetSpatialRef(&srs);
-    }
+    if (OGRSpatialReference srs; epsg && srs.importFromEPSG(epsg) == OGRERR_NONE) ds->SetSpatialRef(&srs);
     ds->GetRasterBand(1)->SetNoDataValue(noData);
     ASSERT_EQ(ds->GetRasterBand(1)->RasterIO(GF_Write, 0, 0, w, h, const_cast<double*>(values.data()), w, h,
                                              GDT_Float64, 0, 0), CE_None);
@@ -66,8 +62,7 @@ void writeGeoJson(const std::string& path, const std::vector<std::pair<std::stri
     writeText(path, R"({"type":"FeatureCollection","features":[)" + text + "]}");
 }
 
-// The country "Home", 2 km high and `width` m wide, in the generated system
-// (EPSG:32633), and a neighbour far away.
+// The country "Home", 2 km high and `width` m wide, in the generated system (EPSG:32633), and a neighbour far away.
 void writeBoundary(const std::string& dir, double width)
 {
     datagen::writeShapefile(dir + "/boundary.shp", datagen::GeomKind::Polygon, {{"NAME", 'C', 20}},
@@ -97,9 +92,9 @@ GeoDatasetPtr openOut(const std::string& dir, const std::string& file) { return 
 
 }  // namespace
 
-// Pixels of 500 m, cells of 1 km (2 x 2 pixels); the right column of cells is
-// cut in half by the boundary. -1 is no data.
-TEST(Prepare, CellsHoldTheMeanOfTheirValidPixelsAndAreClippedToTheBoundary)
+// Pixels of 500 m, cells of 1 km (2 x 2 pixels); the right column of cells is cut in half by the boundary. -1 is no
+// data. A class raster of 1 km pixels, cut the same way, gives the texts of its table with their blanks.
+TEST(Prepare, CellsHoldTheMeanOfTheirValidPixelsClassesTheirTextsAndBothAreClippedToTheBoundary)
 {
     const std::string dir = testsupport::tempDir("prepare-cells"), out = dir + "/out";
     writeTiff(dir + "/wind.tif", 32633, 500000, 2000000, 500, 6, 4,
@@ -107,8 +102,11 @@ TEST(Prepare, CellsHoldTheMeanOfTheirValidPixelsAndAreClippedToTheBoundary)
                5, 6, 8, -1, -1, -1,
                10, 10, 20, 20, 100, 200,
                10, 10, 20, 20, 300, 400});
+    writeTiff(dir + "/cover.tif", 32633, 500000, 2000000, 1000, 4, 2, {1, 1, 2, 2, 3, 0, 2, 2}, GDT_Byte, 0);
+    writeText(dir + "/classes.csv", "code,label\n1,  forest\n2,\"COFFEE, FRUITS\"\n3, GRASS\n9,unused\n");
     const PrepareRun r = prepareIn(dir, 2500, "[20_wind]\nsource = \"wind.tif\"\ncell_km = 1\n"
-                                              "[14_solar_glo]\nsource = \"wind.tif\"\ncell_km = 1\nunit = \"kWh/m2/year\"\n");
+                                              "[14_solar_glo]\nsource = \"wind.tif\"\ncell_km = 1\nunit = \"kWh/m2/year\"\n"
+                                              "[02_landuse]\nsource = \"cover.tif\"\nclasses = \"classes.csv\"\n");
     ASSERT_EQ(r.code, 0) << r.err;
     struct Cell { double mean, areaKm2; };
     const Cell cells[] = {{3.5, 1}, {5, 1}, {10, 1}, {20, 1}, {250, 0.5}};  // the cell of no data is left out
@@ -124,9 +122,15 @@ TEST(Prepare, CellsHoldTheMeanOfTheirValidPixelsAndAreClippedToTheBoundary)
     const std::string prj = readText(out + "/20_wind.prj");
     EXPECT_TRUE(prj.starts_with("PROJCS[\"WGS_1984_UTM_Zone_33N\"") && prj.find("UNIT[\"Meter\",1.0]") != std::string::npos) << prj;
     EXPECT_EQ(readText(out + "/20_wind.cpg"), "UTF-8");
+
+    auto land = openOut(out, "02_landuse.shp");
+    ASSERT_TRUE(land);
+    std::map<QString, double> areas;
+    for (int i = 0; i < land->count(); ++i) areas[land->value(i, land->fieldIndex("LAND_USE")).toString()] += measure(land, i);
+    EXPECT_EQ(areas, (std::map<QString, double>{{"  forest", 2e6}, {"COFFEE, FRUITS", 1e6}, {" GRASS", 1e6}}));
 }
 
-TEST(Prepare, ReprojectedLayersCoverTheBoundaryAndNothingOutsideRoadsKeepTheirMargin)
+TEST(Prepare, ReprojectedLayersCoverTheBoundaryRoadsKeepTheirMarginAndGeneratedSourcesOpenInTheProgram)
 {
     const std::string dir = testsupport::tempDir("prepare-vectors");
     writeGeoJson(dir + "/country.geojson", {{"POLYGON((14.5 10,15.5 10,15.5 11,14.5 11,14.5 10))", "Home"}});
@@ -164,39 +168,22 @@ TEST(Prepare, ReprojectedLayersCoverTheBoundaryAndNothingOutsideRoadsKeepTheirMa
     EXPECT_EQ(cities->value(0, 0).toString(), "In");
     EXPECT_EQ(states->value(0, states->fieldIndex("NAME")).toString(), "  North Province");
     EXPECT_NE(r.out.find("43_roads.shp"), std::string::npos) << "the summary names each file";
-}
 
-TEST(Prepare, ClassRasterGivesTheTextsOfItsTableWithTheirBlanks)
-{
-    const std::string dir = testsupport::tempDir("prepare-classes");
-    writeTiff(dir + "/cover.tif", 32633, 500000, 2000000, 1000, 4, 2, {1, 1, 2, 2, 3, 0, 2, 2}, GDT_Byte, 0);
-    writeText(dir + "/classes.csv", "code,label\n1,  forest\n2,\"COFFEE, FRUITS\"\n3, GRASS\n9,unused\n");
-    const PrepareRun r = prepareIn(dir, 4000, "[02_landuse]\nsource = \"cover.tif\"\nclasses = \"classes.csv\"\n");
-    ASSERT_EQ(r.code, 0) << r.err;
-    auto land = openOut(dir + "/out", "02_landuse.shp");
-    ASSERT_TRUE(land);
-    std::map<QString, double> areas;
-    for (int i = 0; i < land->count(); ++i) areas[land->value(i, land->fieldIndex("LAND_USE")).toString()] += measure(land, i);
-    EXPECT_EQ(areas, (std::map<QString, double>{{"  forest", 2e6}, {"COFFEE, FRUITS", 4e6}, {" GRASS", 1e6}}));
-}
-
-TEST(Prepare, GeneratedSourcesOpenInTheProgramAndAQueryRuns)
-{
-    const std::string dir = testsupport::tempDir("prepare-generated");
+    // The generated sources: the result opens in the program and a query runs.
+    const std::string generated = testsupport::tempDir("prepare-generated");
     datagen::Options options;
-    datagen::writeSources(dir, options);
-    const PrepareRun r = prepareRun(dir + "/recipe.toml", dir + "/out");
-    ASSERT_EQ(r.code, 0) << r.err;
+    datagen::writeSources(generated, options);
+    const PrepareRun run = prepareRun(generated + "/recipe.toml", generated + "/out");
+    ASSERT_EQ(run.code, 0) << run.err;
 
-    FrmMain& f = qrun::panel(dir + "/out", qrun::kWindQuery, "200", "Max");
-    EXPECT_EQ(f.Map1->Layers().Count(), 26);  // all but 21_wind and 22_wind
+    FrmMain& form = qrun::panel(generated + "/out", qrun::kWindQuery, "200", "Max");
+    EXPECT_EQ(form.Map1->Layers().Count(), 26);  // all but 21_wind and 22_wind
     EXPECT_TRUE(testsupport::recorder().boxes.empty());
-    f.cmdUpdateMap->click();
+    form.cmdUpdateMap->click();
     EXPECT_GE(QueryDataTable().value_or(std::vector<QueryDataRow>{}).size(), 3u);
 }
 
-// Each bad input names the recipe line and the source, exits with 2 and
-// leaves OUTDIR as it was.
+// Each bad input names the recipe line and the source, exits with 2 and leaves OUTDIR as it was.
 TEST(Prepare, BadInputIsRefusedWithItsLineAndOutdirStaysUntouched)
 {
     const std::string dir = testsupport::tempDir("prepare-bad");

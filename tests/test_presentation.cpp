@@ -20,16 +20,10 @@ MapLayerPtr landUseLayer(const std::string& name, const std::vector<std::string>
 {
     const std::string path = testsupport::tempDir(name) + "/02_landuse.shp";
     std::vector<datagen::FeatureSpec> features;
-    int i = 0;
-    for (const std::string& v : values) {
-        const std::string x = std::to_string(100 * i++);
-        features.push_back({"POLYGON((" + x + " 0," + x + " 50,60 50,60 0," + x + " 0))", {v}});
-    }
+    for (const std::string& v : values)
+        features.push_back({testsupport::box(100.0 * features.size(), 0, 100.0 * features.size() + 60, 50), {v}});
     datagen::writeShapefile(path, datagen::GeomKind::Polygon, {{field, 'C', 60}}, features);
-    auto layer = std::make_shared<MapLayer>();
-    layer->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
-    EXPECT_TRUE(layer->GeoDataset()) << path;
-    return layer;
+    return testsupport::layerOf(path);
 }
 
 ValueMapRendererPtr landUseRenderer(const MapLayerPtr& layer)
@@ -39,6 +33,14 @@ ValueMapRendererPtr landUseRenderer(const MapLayerPtr& layer)
     return std::dynamic_pointer_cast<ValueMapRenderer>(layer->Renderer);
 }
 
+// A layer given the properties of the standard file and the display name.
+MapLayerPtr styled(const char* file, const QString& name = "")
+{
+    auto layer = std::make_shared<MapLayer>();
+    SetLayerProperties(layer, file, name);
+    return layer;
+}
+
 class Presentation : public ::testing::Test {
 protected:
     void SetUp() override { recorder().clear(); }
@@ -46,7 +48,7 @@ protected:
 
 }  // namespace
 
-TEST_F(Presentation, FieldsWithoutAClassTableAndTheFailuresOfRenderersAndProperties)
+TEST_F(Presentation, LayerPropertiesTableFieldsWithoutAClassTableLandUseValuesAsTheDataWritesThemAndFailures)
 {
     auto colourOf = [](const char* field) {
         auto s = std::make_shared<Symbol>();
@@ -68,9 +70,7 @@ TEST_F(Presentation, FieldsWithoutAClassTableAndTheFailuresOfRenderersAndPropert
     recorder().clear();
 
     // The land-use renderer fails without data; it reports itself and the layer is still named.
-    auto bare = std::make_shared<MapLayer>();
-    SetLayerProperties(bare, "02_landuse.shp", "");
-    EXPECT_EQ(bare->Name, "Land Use");
+    EXPECT_EQ(styled("02_landuse.shp")->Name, "Land Use");
     EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.LayerRenderer()"});
     recorder().clear();
     SetLayerProperties(nullptr, "43_roads.shp", "");
@@ -85,17 +85,16 @@ TEST_F(Presentation, FieldsWithoutAClassTableAndTheFailuresOfRenderersAndPropert
     auto wrong = landUseLayer("landuse-wrongfield", {"FOREST"}, "LANDUSE");
     EXPECT_TRUE(!landUseRenderer(wrong) && wrong->Visible);
     EXPECT_EQ(recorder().texts(), QStringList{" Error Source:md_functions.LayerRenderer()"});
-}
 
-TEST_F(Presentation, LandUseValuesAreClassedAsTheDataWritesThem)
-{
-    auto layer = landUseLayer("landuse-mixed", {"  forest ", " FOREST", "FOREST", "ICE", "OTHER", "OTHER LAND", "",
+    // Land-use values are classed as the data writes them.
+    recorder().clear();
+    auto mixed = landUseLayer("landuse-mixed", {"  forest ", " FOREST", "FOREST", "ICE", "OTHER", "OTHER LAND", "",
                                                 "water bodies", "FOREST", "ICE", "tepuis(table mountains)"});
-    SetLayerProperties(layer, "02_landuse.shp", "Anything");  // a display name given is not taken
-    auto r = std::dynamic_pointer_cast<ValueMapRenderer>(layer->Renderer);
-    ASSERT_TRUE(r);
+    SetLayerProperties(mixed, "02_landuse.shp", "Anything");  // a display name given is not taken
+    auto classes = std::dynamic_pointer_cast<ValueMapRenderer>(mixed->Renderer);
+    ASSERT_TRUE(classes);
     EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
-    EXPECT_TRUE(layer->Name == "Land Use" && r->Field == "LAND_USE" && !layer->Visible);
+    EXPECT_TRUE(mixed->Name == "Land Use" && classes->Field == "LAND_USE" && !mixed->Visible);
 
     // Distinct texts, in ascending order, blanks and case as stored, each with its colour.
     const std::pair<const char*, int> wants[] = {
@@ -104,14 +103,13 @@ TEST_F(Presentation, LandUseValuesAreClassedAsTheDataWritesThem)
         {"OTHER LAND", RGB(220, 202, 143)}, {"tepuis(table mountains)", RGB(220, 202, 143)},
         {"water bodies", RGB(102, 140, 190)},
     };
-    ASSERT_EQ(r->ValueCount(), int(std::size(wants)));
-    for (int i = 0; i < r->ValueCount(); ++i)
-        EXPECT_EQ((std::tuple{r->Value(i), r->Symbol(i)->Color, r->Symbol(i)->Outline}),
+    ASSERT_EQ(classes->ValueCount(), int(std::size(wants)));
+    for (int i = 0; i < classes->ValueCount(); ++i)
+        EXPECT_EQ((std::tuple{classes->Value(i), classes->Symbol(i)->Color, classes->Symbol(i)->Outline}),
                   (std::tuple{QString(wants[i].first), wants[i].second, false}));
-}
 
-TEST_F(Presentation, LayerPropertiesTable)
-{
+    // The table of layer properties.
+    recorder().clear();
     const Symbol d;  // the component's defaults, for D in a row
     // A display name given is taken by the solar rows only.
     const QString given = "ANNUAL AVERAGE SOLAR RESOURCES (KWH/M2/DAY)";
@@ -130,8 +128,7 @@ TEST_F(Presentation, LayerPropertiesTable)
     auto orDefault = [&](auto v, auto def) { return v == D ? def : decltype(def)(v); };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.file);
-        auto layer = std::make_shared<MapLayer>();
-        SetLayerProperties(layer, row.file, given);
+        const MapLayerPtr layer = styled(row.file, given);
         EXPECT_NE(layer->Name, given);
         const Symbol& s = *layer->Symbol;
         EXPECT_EQ((std::tuple{s.Color, s.Style, s.Outline, s.OutlineColor, s.Size}),
@@ -139,23 +136,17 @@ TEST_F(Presentation, LayerPropertiesTable)
                               orDefault(row.outlineColour, d.OutlineColor), row.size == D ? d.Size : row.size}));
     }
     for (const char* solar : {"11_solar_direct.shp", "15_solar_direct.shp", "15_solar_glo.shp", "16_solar_tilt.shp"}) {
-        auto layer = std::make_shared<MapLayer>();
-        SetLayerProperties(layer, solar, given);
+        const MapLayerPtr layer = styled(solar, given);
         EXPECT_TRUE(layer->Name == given && !layer->Visible) << solar;  // solar layers start hidden
     }
-    auto conc = std::make_shared<MapLayer>();
-    SetLayerProperties(conc, "15_solar_direct.shp", "");
-    EXPECT_EQ(conc->Name, "40 km Solar Concentrators Annual Average(KWH/M2/DAY)");
+    EXPECT_EQ(styled("15_solar_direct.shp")->Name, "40 km Solar Concentrators Annual Average(KWH/M2/DAY)");
     // The wind layer's own symbol has no outline; the state boundaries are labelled.
-    auto wind = std::make_shared<MapLayer>();
-    SetLayerProperties(wind, "20_wind.shp", given);
-    EXPECT_FALSE(wind->Symbol->Outline);
-    auto states = std::make_shared<MapLayer>();
-    SetLayerProperties(states, "38_subcountrybnd1.shp", "");
-    auto labels = std::dynamic_pointer_cast<LabelRenderer>(states->Renderer);
+    EXPECT_FALSE(styled("20_wind.shp", given)->Symbol->Outline);
+    auto labels = std::dynamic_pointer_cast<LabelRenderer>(styled("38_subcountrybnd1.shp")->Renderer);
     ASSERT_TRUE(labels);
     const auto& font = labels->Symbol(0)->Font;
     EXPECT_EQ((std::tuple{labels->AllowDuplicates, font.Name, font.Bold, font.Size}),
               (std::tuple{true, QString("MS Sans Serif"), true, 12}));
     EXPECT_TRUE(recorder().boxes.empty()) << recorder().texts().join("|").toStdString();
 }
+

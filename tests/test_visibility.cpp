@@ -25,12 +25,8 @@ const QStringList kLeftAlone = {"13_solar_direct.shp", "14_solar_glo.shp", "15_s
                                 "17_solar_direct.shp", "18_solar_tilt.shp", "21_wind.shp",     "22_wind.shp",
                                 "39_countryboundary.shp"};
 
-class Visibility : public ::testing::Test {
+class Visibility : public MainTest {
 protected:
-    void SetUp() override { main = &freshMain(); }
-    void TearDown() override { unloadFrmMain(); }
-    FrmMain* main = nullptr;
-    Map* map() { return main->Map1; }
     MapLayerPtr layer(const QString& tag) { return map()->Layers().Item(cLayerIndex->Item(tag)); }
     void setAll(bool on) { for (const MapLayerPtr& l : map()->Layers()) l->Visible = on; }
     QString label() { return main->lblLayersCurrentlyDisplayed->text(); }
@@ -39,8 +35,9 @@ protected:
 
 // After a load (the small dataset has fewer than 50 roads and cities) and
 // again on a reset, which leaves the files it does not name as they are.
-TEST_F(Visibility, DefaultsAfterALoadAndOnAReset)
+TEST_F(Visibility, DefaultsAfterALoadOrAResetTheirFailuresTheLabelOfVisibleLayersAndTheFiftyFeatureRule)
 {
+    EXPECT_EQ(refilled(), "- No layers found -");
     loadDirectory(q(testsupport::dataset()));
     for (const QString& tag : kHidden + kShown) EXPECT_EQ(layer(tag)->Visible, kShown.contains(tag)) << tag.toStdString();
     for (const QString& tag : kLeftAlone) EXPECT_EQ(layer(tag)->Visible, !tag.contains("solar")) << tag.toStdString();
@@ -58,32 +55,8 @@ TEST_F(Visibility, DefaultsAfterALoadAndOnAReset)
     odd->Tag = "20_Wind.shp";
     SetDefaultVisibility(odd);
     EXPECT_TRUE(odd->Visible) << boxTexts();
-}
 
-TEST_F(Visibility, RoadsAndCitiesShowBelowFiftyFeatures)
-{
-    struct Case { const char* file; datagen::GeomKind kind; int count; bool visible; };
-    const Case cases[] = {
-        {"43_roads.shp", datagen::GeomKind::Line, 49, true},  {"43_roads.shp", datagen::GeomKind::Line, 50, false},
-        {"59_cities.shp", datagen::GeomKind::Point, 49, true}, {"59_cities.shp", datagen::GeomKind::Point, 50, false},
-        {"59_cities.shp", datagen::GeomKind::Point, 0, true},
-    };
-    int n = 0;
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::string(c.file) + " " + std::to_string(c.count));
-        const QString dir = q(testsupport::tempDir("count" + std::to_string(n++)));
-        writeFeatures(QDir(dir).filePath(c.file).toStdString(), c.count, c.kind);
-        loadDirectory(dir);
-        ASSERT_EQ(map()->Layers().Count(), 1);
-        EXPECT_EQ(QList<bool>({map()->Layers().Item(0)->Visible, isSetLayerVisible(map()->Layers().Item(0))}),
-                  QList<bool>({c.visible, c.visible}));
-    }
-    EXPECT_NO_BOXES();
-}
-
-TEST_F(Visibility, FailuresShowTheirOwnTexts)
-{
-    // A roads layer that is bound to no file cannot be counted: hidden.
+    // Failures show their own texts; a roads layer that is bound to no file cannot be counted: hidden.
     auto unbound = std::make_shared<MapLayer>();
     unbound->Tag = "43_roads.shp";
     SetDefaultVisibility(unbound);
@@ -95,15 +68,12 @@ TEST_F(Visibility, FailuresShowTheirOwnTexts)
     SetDefaultVisibility(nullptr);
     EXPECT_EQ(recorder().texts(),
               QStringList{"Erro while setting default visibility Error Source:md_functions.SetDefaultVisibility()"});
-}
 
-TEST_F(Visibility, TheLabelListsVisibleLayersTopFirstWithTrailingSeparators)
-{
-    EXPECT_EQ(refilled(), "- No layers found -");
+    // The label lists the visible layers top first, each with its separator.
+    recorder().clear();
 
     const QString dir = q(testsupport::tempDir("label"));
-    for (const char* f : {"21_wind.shp", "30_lakes.shp", "39_countryboundary.shp"})
-        writeFeaturesIn(dir, f, 1);
+    for (const char* file : {"21_wind.shp", "30_lakes.shp", "39_countryboundary.shp"}) writeFeaturesIn(dir, file, 1);
     loadDirectory(dir);
     QStringList texts{label()};
     setAll(true);
@@ -118,9 +88,28 @@ TEST_F(Visibility, TheLabelListsVisibleLayersTopFirstWithTrailingSeparators)
     const QString all = refilled();
     EXPECT_EQ(all.count("40 km Solar Concentrators Annual Average(KWH/M2/DAY); "), 2);
     EXPECT_TRUE(all.startsWith("Cities; Airports; ") && all.endsWith("; Land Use; Elevation (meters); ")) << all.toStdString();
+
+    // Roads and cities show below fifty features.
+    struct Case { const char* file; datagen::GeomKind kind; int count; bool visible; };
+    const Case cases[] = {
+        {"43_roads.shp", datagen::GeomKind::Line, 49, true},  {"43_roads.shp", datagen::GeomKind::Line, 50, false},
+        {"59_cities.shp", datagen::GeomKind::Point, 49, true}, {"59_cities.shp", datagen::GeomKind::Point, 50, false},
+        {"59_cities.shp", datagen::GeomKind::Point, 0, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.file) + " " + std::to_string(c.count));
+        const QString dir = q(testsupport::tempDir("count"));
+        writeFeaturesIn(dir, c.file, c.count, c.kind);
+        loadDirectory(dir);
+        ASSERT_EQ(map()->Layers().Count(), 1);
+        EXPECT_EQ(QList<bool>({map()->Layers().Item(0)->Visible, isSetLayerVisible(map()->Layers().Item(0))}),
+                  QList<bool>({c.visible, c.visible}));
+    }
+    EXPECT_NO_BOXES();
 }
 
-TEST_F(Visibility, DialogOffersTwentySevenLayersAndLeavesTheTwentyEighthAlone)
+// The dialog, then the Change Layers button and the legend's check box: each repaints and the label follows.
+TEST_F(Visibility, DialogOffersTwentySevenLayersLeavesTheTwentyEighthAloneAndTheLabelFollowsEveryChange)
 {
     // No layers: no box shows, and OK says nothing.
     FrmShowLayersDialog& d = frmShowLayersDialog();
@@ -159,15 +148,9 @@ TEST_F(Visibility, DialogOffersTwentySevenLayersAndLeavesTheTwentyEighthAlone)
     EXPECT_TRUE(!map()->Layers().Item(27)->Visible && map()->Layers().Item(27)->Tag == "01_elevation.shp" && !bQueryDrawn);
     // The repaint after OK brought the label up to date.
     EXPECT_TRUE(!label().contains("Elevation") && label().startsWith("Cities; ")) << label().toStdString();
-    EXPECT_NO_BOXES();
-}
 
-// The real path: the button opens the dialog modally; a pending event ticks
-// the first box off and presses OK inside the dialog's own loop.
-TEST_F(Visibility, ChangeLayersButtonAndTheLegendsCheckBoxRepaintAndTheLabelFollows)
-{
-    loadDirectory(q(testsupport::dataset()));
-    ASSERT_TRUE(layer("59_cities.shp")->Visible);
+    // The real path: the button opens the dialog modally; a pending event ticks
+    // the first box off and presses OK inside the dialog's own loop.
     bool ran = false;
     QTimer::singleShot(0, main, [&] {
         FrmShowLayersDialog& d = frmShowLayersDialog();

@@ -63,6 +63,22 @@ std::string dataset(const std::string& size, unsigned seed, const std::set<std::
     return made[key] = dir;
 }
 
+MapLayerPtr layerOf(const std::string& shpPath)
+{
+    auto layer = std::make_shared<MapLayer>();
+    layer->setGeoDataset(GeoDataset::open(QString::fromStdString(shpPath)));
+    if (layer->GeoDataset()) return layer;
+    ADD_FAILURE() << "cannot open " << shpPath;
+    return nullptr;
+}
+
+std::string box(double x0, double y0, double x1, double y1)
+{
+    auto xy = [](double x, double y) { return QString("%1 %2,").arg(x, 0, 'g', 17).arg(y, 0, 'g', 17); };
+    const QString ring = xy(x0, y0) + xy(x1, y0) + xy(x1, y1) + xy(x0, y1) + xy(x0, y0);
+    return ("POLYGON((" + ring.chopped(1) + "))").toStdString();
+}
+
 seam::FileAnswer fileAnswer(const QString& path) { return {false, path, QFileInfo(path).fileName()}; }
 
 }  // namespace testsupport

@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 
+#include "mapping/maplayer.h"
 #include "mapping/seam.h"
 
 namespace testsupport {
@@ -36,6 +37,11 @@ Recorder& recorder();
 std::string tempDir(const std::string& name);
 // A generated dataset (small unless said), made once per process and options.
 std::string dataset(const std::string& size = "small", unsigned seed = 1, const std::set<std::string>& omit = {});
+
+// A layer of a shapefile, none (and a failure) when it cannot be opened.
+MapLayerPtr layerOf(const std::string& shpPath);
+// The WKT of the rectangle, with every digit of the coordinates.
+std::string box(double x0, double y0, double x1, double y1);
 
 // A file answer as the open/save dialog would give it for a path.
 seam::FileAnswer fileAnswer(const QString& path);
