@@ -101,7 +101,8 @@ TEST(QueryRun, WindRunFromTheButtonToThePaintedMapThenRefusedEmptyFailedAndCance
 
     // A missing resource is refused before anything else: the first of the list has no file here.
     FrmMain& g = panel(solarDir("solar-missing", "14_solar_glo.shp", "ANNGLO", {5.5}), kSolarQuery);
-    g.cboQueryDropDown3->setCurrentIndex(0), g.cmdShowData->setVisible(true);
+    g.cboQueryDropDown3->setCurrentIndex(0);
+    g.cmdShowData->setVisible(true);
     auto before = cShapes;
     g.cmdUpdateMap->click();
     EXPECT_EQ(g.lblWorking->text(), "This query requires 11_solar_direct.shp shapefile.");
@@ -174,7 +175,8 @@ TEST(SolarQueries, OffGridBandsAreRelativeToTheLayersOwnRange)
         panel(dir, kSolarQuery, {}, {}, kGlobal10);
 
         // The previous run's values stay: this query never touches them.
-        sFieldName = "WINDPWRD", cFieldValues = std::make_shared<Collection<QVariant>>();
+        sFieldName = "WINDPWRD";
+        cFieldValues = std::make_shared<Collection<QVariant>>();
         auto values = cFieldValues;
         ProgressLog log;
         fill_cShapes_collection("Best solar off-grid systems");
@@ -253,7 +255,9 @@ TEST(ResultModel, ResultsDrawingDispatchAndAppendFollowTheFlagsAndKeysAndExpress
     };
     for (const Choice& c : table) {
         SCOPED_TRACE(c.resource);
-        f.cboQueryDropDown3->Clear(), f.cboQueryDropDown3->AddItem(c.resource), f.cboQueryDropDown3->setCurrentIndex(0);
+        f.cboQueryDropDown3->Clear();
+        f.cboQueryDropDown3->AddItem(c.resource);
+        f.cboQueryDropDown3->setCurrentIndex(0);
         GetSolarLayerChosen();
         EXPECT_EQ(QStringList({sSolarLayerFile, sSolarField}), QStringList({c.file, c.field}));
     }
@@ -274,7 +278,8 @@ TEST(ResultModel, ResultsDrawingDispatchAndAppendFollowTheFlagsAndKeysAndExpress
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.min) + " / " + c.max);
-        testsupport::recorder().clear(), setRange(f, c.min, c.max);
+        testsupport::recorder().clear();
+        setRange(f, c.min, c.max);
         EXPECT_EQ(c.solar ? CreateSolarSelectExpression() : CreateWindSelectExpression(), c.expression);
         const QString failure = QString(" Error Source:md_query_functions2.Create%1SelectExpression()")
                                     .arg(c.solar ? "Solar" : "Wind");

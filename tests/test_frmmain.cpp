@@ -78,8 +78,11 @@ TEST_F(MainWindow, ControlsStandWhereDesignedEditOrLegendWaitsForTheFirstQueryAn
     auto look = [&] { shown << QString(Visible(f.fraEdit) ? "edit" : "") + (Visible(f.fraLegend) ? "legend" : ""); };
     f.optEditLegend[1]->setChecked(true), look();  // no effect while the start-up picture shows
     f.bFirstQuery = false;
-    f.optEditLegend[0]->setChecked(true), f.optEditLegend[1]->setChecked(true), look();
-    f.optEditLegend_Click(0), look();
+    f.optEditLegend[0]->setChecked(true);
+    f.optEditLegend[1]->setChecked(true);
+    look();
+    f.optEditLegend_Click(0);
+    look();
     f.EditOrLegend(2), look();  // any other index shows neither panel
     EXPECT_EQ(shown, (QStringList{"edit", "legend", "edit", ""}));
 
@@ -102,7 +105,8 @@ TEST_F(MainWindow, ControlsStandWhereDesignedEditOrLegendWaitsForTheFirstQueryAn
         if (c.browser) QDesktopServices::setUrlHandler("file", &catcher, "open");
         recorder().clear();
         main->mnuHelp_Click();
-        QDesktopServices::unsetUrlHandler("file"), help.remove();
+        QDesktopServices::unsetUrlHandler("file");
+        help.remove();
         EXPECT_EQ(catcher.urls, c.opened.isEmpty() ? QList<QUrl>() : QList<QUrl>{QUrl::fromLocalFile(c.opened)});
         EXPECT_EQ(recorder().texts(), c.box.isEmpty() ? QStringList() : QStringList{c.box});
     }
@@ -222,7 +226,8 @@ TEST_F(MainWindow, EnabledStateFollowsTheStateTableAndDrawEventsAreTheBeatOfTheI
     QObject::connect(f.Map1, &Map::BeforeTrackingLayerDraw, &guard, [&](QPainter*) { note("beforeTracking"); });
     QObject::connect(f.Map1, &Map::AfterTrackingLayerDraw, &guard, [&](QPainter*) { note("afterTracking"); });
 
-    f.lblLayersCurrentlyDisplayed->setText("stale"), f.Map1->Refresh();
+    f.lblLayersCurrentlyDisplayed->setText("stale");
+    f.Map1->Refresh();
     ASSERT_GE(seen.size(), 4u);
     EXPECT_EQ(seen.front().event, "before");
     for (size_t i = 0; i + 2 < seen.size(); ++i) {

@@ -37,7 +37,8 @@ protected:
     static ClassBreaksRendererPtr breaks(const QString& field, const std::vector<double>& b)
     {
         auto r = std::make_shared<ClassBreaksRenderer>();
-        r->Field = field, r->setBreakCount(int(b.size()));
+        r->Field = field;
+        r->setBreakCount(int(b.size()));
         for (size_t i = 0; i < b.size(); ++i) r->setBreak(int(i), b[i]);
         return r;
     }
@@ -54,7 +55,10 @@ TEST_F(LegendTest, EntriesFollowTheLayersTopFirstWithTheirClassesAndCheckBoxesSw
     layer("Solar", "ANNDIR", 'N', {2.2, 3.7})->Renderer = breaks("ANNDIR", {1.9999999999, 2.5, 2.9999999999});
     layer("Elevation", "Elev_m", 'N', {-20.0, 700.0})->Renderer = breaks("Elev_m", {200, 400});
     auto values = std::make_shared<ValueMapRenderer>();
-    values->Field = "LAND_USE", values->setValueCount(2), values->setValue(0, "FOREST"), values->setValue(1, " WATER");
+    values->Field = "LAND_USE";
+    values->setValueCount(2);
+    values->setValue(0, "FOREST");
+    values->setValue(1, " WATER");
     layer("Land Use", "LAND_USE", 'C', {std::string("FOREST"), std::string("WATER")})->Renderer = values;
     layer("Lakes", "VALUE", 'N', {1.0});
 

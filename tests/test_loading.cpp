@@ -144,7 +144,8 @@ TEST_F(Loading, ThePickedNameCutsThePathOpenDatasetUsesOnlyItsDirectoryAndAddLay
     const QString home = q(testsupport::tempDir("open"));
     for (const char* file : {"parcels.shp", "38_subcountrybnd1.shp"}) writeFeaturesIn(home, file, 1);
     auto pick = [&](const QString& path) { recorder().files.push_back(testsupport::fileAnswer(path)); };
-    pick(QDir(home).filePath("parcels.shp")), main->mnuOpen_Click();
+    pick(QDir(home).filePath("parcels.shp"));
+    main->mnuOpen_Click();
     EXPECT_TRUE(tags(map()) == QStringList{"38_subcountrybnd1.shp"} && sDataDirectory == home + "/");
 
     // Cancelled over a loaded dataset: it stays in place.
@@ -155,7 +156,8 @@ TEST_F(Loading, ThePickedNameCutsThePathOpenDatasetUsesOnlyItsDirectoryAndAddLay
 
     // Add Layer puts the file on top, unstyled, with its directory as tag and unindexed.
     recorder().clear();
-    pick(QDir(home).filePath("parcels.shp")), main->mnuAdd_Click();
+    pick(QDir(home).filePath("parcels.shp"));
+    main->mnuAdd_Click();
     ASSERT_EQ(recorder().fileRequests.size(), 1u);
     const seam::FileRequest& add = recorder().fileRequests[0];
     EXPECT_EQ((QStringList{add.title, add.filter, add.defaultExt}), (QStringList{"Add Layer", "*.shp", "shp"}));
@@ -166,13 +168,15 @@ TEST_F(Loading, ThePickedNameCutsThePathOpenDatasetUsesOnlyItsDirectoryAndAddLay
     EXPECT_NO_BOXES();
 
     // A name that cannot be opened.
-    pick(QDir(home).filePath("ghost.shp")), main->mnuAdd_Click();
+    pick(QDir(home).filePath("ghost.shp"));
+    main->mnuAdd_Click();
     EXPECT_EQ(recorder().texts(), QStringList{"Error opening shapefile ghost.shp"});
     EXPECT_EQ(map()->Layers().Count(), 2);
 
     // A directory that is not there.
     recorder().clear();
-    pick(home + "/gone/parcels.shp"), main->mnuAdd_Click();
+    pick(home + "/gone/parcels.shp");
+    main->mnuAdd_Click();
     EXPECT_EQ(recorder().texts(), QStringList{"Data Connection error #1"});
     EXPECT_EQ(sDataDirectory, home + "/gone/");
 }

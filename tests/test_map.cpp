@@ -220,10 +220,15 @@ TEST_F(MapTest, SetExtentKeepsTheAspectPointsFollowItAndRefreshRaisesEventsForVi
     draws.clear();
     EXPECT_EQ(at(picture(), 15, 15), rgbOf(Red));
     QList<int> counts{int(draws.events.size())};
-    map.setExtent(Rectangle(0, 0, 50, 50)), counts << int(draws.events.size());
-    map.resize(240, 200), picture(), counts << int(draws.events.size());
-    filled("d", 60, 60, 70, 70, Blue), counts << int(draws.events.size());
-    picture(), counts << int(draws.events.size());
+    map.setExtent(Rectangle(0, 0, 50, 50));
+    counts << int(draws.events.size());
+    map.resize(240, 200);
+    picture();
+    counts << int(draws.events.size());
+    filled("d", 60, 60, 70, 70, Blue);
+    counts << int(draws.events.size());
+    picture();
+    counts << int(draws.events.size());
     EXPECT_EQ(counts, QList<int>({0, 8, 16, 16, 26}));
 }
 

@@ -93,8 +93,11 @@ TEST(Selection, RangesAreInclusiveNoneWhenNothingMatchesRecordsWalkInTableOrderD
     ASSERT_TRUE(conn.Connect());
     EXPECT_TRUE(conn.FindGeoDataset("20_wind.shp"));
 
-    copySet("nodbf"), copySet("noshx"), copySet("cut");
-    fs::remove(dir + "/nodbf.dbf"), fs::remove(dir + "/noshx.shx");
+    copySet("nodbf");
+    copySet("noshx");
+    copySet("cut");
+    fs::remove(dir + "/nodbf.dbf");
+    fs::remove(dir + "/noshx.shx");
     fs::resize_file(dir + "/cut.shp", fs::file_size(dir + "/cut.shp") / 2);
     { QFile t(QString::fromStdString(dir + "/text.shp")); t.open(QIODevice::WriteOnly); t.write("not a shapefile\n"); }
     for (const char* broken : {"nodbf.shp", "noshx.shp", "cut.shp", "text.shp", "missing.shp"})

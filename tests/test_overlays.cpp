@@ -91,7 +91,8 @@ FrmMain& loaded(const std::string& dir, const Panel& p = {})
         f.lstQuery1->setSelected(i, p.chosen.contains(p.landUses[i]));
     }
     f.txtQuery1[1]->setText(p.distance1), f.txtQuery1[2]->setText(p.distance2), f.chkProtectedAreas->setChecked(p.protectedTicked);
-    testsupport::recorder().clear(), progress().texts.clear();
+    testsupport::recorder().clear();
+    progress().texts.clear();
     return f;
 }
 
@@ -263,7 +264,8 @@ TEST(LineBuffers, AStraightRoadsBufferCutsTheWindPolygonsTheAnswerNoAndCancelLea
 
     FrmMain& f = loaded(dataset("roads-no", {.wind = kOneWind, .roads = shortSegments(400)}));
     // The previous run's values stay, as the worker never starts.
-    cFieldValues = std::make_shared<Collection<QVariant>>(), sFieldName = "ANNGLO";
+    cFieldValues = std::make_shared<Collection<QVariant>>();
+    sFieldName = "ANNGLO";
     cFieldValues->Add(QVariant(123.0), "0");
     testsupport::recorder().answers = {seam::Answer::No};
     fill_cShapes_collection(kRoads);
@@ -287,7 +289,8 @@ TEST(LineBuffers, AStraightRoadsBufferCutsTheWindPolygonsTheAnswerNoAndCancelLea
 
     // With all criteria, the second question answered No stops after the roads.
     Data d = allData();
-    d.roads = shortSegments(400, 500), d.transmission = shortSegments(400, 0);
+    d.roads = shortSegments(400, 500);
+    d.transmission = shortSegments(400, 0);
     loaded(dataset("all-no", d), allPanel(true));
     testsupport::recorder().answers = {seam::Answer::Yes, seam::Answer::No};
     fill_cShapes_collection(kAll);

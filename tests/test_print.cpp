@@ -226,7 +226,8 @@ TEST_F(Print, LegendBitmapsBesideTheProgramThenThemeMapsSplitTheMainMapsLayersAn
 
     // One that cannot be written ends the load with its message; the window
     // opens all the same, without the pictures that are loaded after all three files.
-    UnloadFrmPrint(), recorder().clear();
+    UnloadFrmPrint();
+    recorder().clear();
     QFile::remove(programFile("LegendBmp3.bmp"));
     ASSERT_TRUE(QDir().mkpath(programFile("LegendBmp3.bmp")));  // a directory where the file should go
     frmMain().mnuPrint_Click();
@@ -297,7 +298,9 @@ TEST_F(Print, ScaleBarUnitFromTheTopLayerAndWhatItsFailuresLeaveOut)
 
     // No font: a plain box, and nothing after the extents is set.
     g.createFont = [] { return std::optional<QFont>(); };
-    g.sbMapView->setDivisions(7), g.sbMapView->setMapExtent(0, 0, 0, 0), recorder().clear();
+    g.sbMapView->setDivisions(7);
+    g.sbMapView->setMapExtent(0, 0, 0, 0);
+    recorder().clear();
     g.setupScalebar();
     EXPECT_EQ(recorder().texts(), QStringList({"stdole.StdFont  is not installed. Scale bar will not be printed"}));
     EXPECT_TRUE(g.sbMapView->Divisions() == 7 && g.sbMapView->MapExtent().Right != 0) << "the extents come before the font";
@@ -316,7 +319,8 @@ TEST_F(Print, PrintedPdfShowsTheResultHeadingScaleBarAndLegends)
     SetClassSymbolColor("WINDPWRD", 250, symbols[0]), SetClassSymbolColor("WINDPWRD", 900, symbols[1]);
     const int lowClass = symbols[0]->Color, highClass = symbols[1]->Color;
     ASSERT_NE(lowClass, highClass);
-    cShapes = std::make_shared<Collection<ShapePtr>>(), cSymbols = std::make_shared<Collection<SymbolPtr>>();
+    cShapes = std::make_shared<Collection<ShapePtr>>();
+    cSymbols = std::make_shared<Collection<SymbolPtr>>();
     const RectanglePtr e = frmMain().Map1->FullExtent();
     for (int i : {0, 1}) {
         const double l = e->Left + e->Width() * (1 + i) / 4, b = e->Bottom + e->Height() / 4;

@@ -149,7 +149,9 @@ TEST_F(QuerySet, FirstRealQuerySwitchesToTheEditPanelOnceEverySelectionHidesTheL
     pick(*f, "Wind by Power Density");  // the same query again
     EXPECT_FALSE(wind->Visible);
 
-    f->lblWorking->setText("Working text"), f->cmdShowData->setVisible(true), recorder().clear();
+    f->lblWorking->setText("Working text");
+    f->cmdShowData->setVisible(true);
+    recorder().clear();
     pick(*f, "Best wind + roads");
     EXPECT_EQ(recorder().texts(), QStringList{"This query requires 43_roads.shp shapefile."});
     ASSERT_EQ(recorder().boxes.size(), 1u);
@@ -159,7 +161,8 @@ TEST_F(QuerySet, FirstRealQuerySwitchesToTheEditPanelOnceEverySelectionHidesTheL
     EXPECT_FALSE(Visible(f->txtQuery1[2]) || Visible(f->cmdShowData));  // the button is hidden before the check
 
     wind->Visible = true;
-    f->lblWorking->setText("old"), recorder().clear();
+    f->lblWorking->setText("old");
+    recorder().clear();
     pick(*f, "No Query (Base Map)");
     EXPECT_FALSE(wind->Visible || Visible(f->fraStartUpImage) || !Visible(f->fraEditLegend));
     EXPECT_EQ(QStringList({f->fraEditQueryParameters->title(), f->lblWorking->text()}) << recorder().texts(),
@@ -345,7 +348,8 @@ const Inputs kValidation[] = {
 TEST_F(QuerySet, DistanceBoxesPanelForEachArrangementWindListsFromTheWindRendererAndValidation)
 {
     loadDataset("panel");
-    f->txtQuery1[1]->setText("9"), f->chkProtectedAreas->setChecked(false);
+    f->txtQuery1[1]->setText("9");
+    f->chkProtectedAreas->setChecked(false);
     // typed before the selection (null: none), and shown after it
     struct Step { const char *typed, *query, *shown; };
     const Step steps[] = {
@@ -382,7 +386,8 @@ TEST_F(QuerySet, DistanceBoxesPanelForEachArrangementWindListsFromTheWindRendere
     auto r = std::dynamic_pointer_cast<ClassBreaksRenderer>(f->Map1->Layers().Item(cLayerIndex->Item("20_wind.shp"))->Renderer);
     ASSERT_TRUE(r);
     r->setBreak(0, 123.25);
-    f->lstQuery1->setSelected(0, true), f->cboQueryDropDown->setText("999");
+    f->lstQuery1->setSelected(0, true);
+    f->cboQueryDropDown->setText("999");
     pick(*f, "Best wind + land use");
     EXPECT_EQ(QStringList({f->cboQueryDropDown->List(0), f->cboQueryDropDown->Text()}), QStringList({"123.25", "500"}));
     EXPECT_TRUE(f->lstQuery1->selectedItems().isEmpty());

@@ -101,7 +101,9 @@ TEST(ResultsTable, WindRowsSumAreasPerColourInOrderOfFirstOccurrenceWithSentence
     EXPECT_EQ(QStringList(form.lblArea[0]->text()) << boxes(), QStringList({"1,238.50 sq km"}));
 
     // Queries without a class sentence.
-    f.cboSelectQuery->Clear(), f.cboSelectQuery->AddItem("Best solar off-grid systems"), f.cboSelectQuery->setCurrentIndex(0);
+    f.cboSelectQuery->Clear();
+    f.cboSelectQuery->AddItem("Best solar off-grid systems");
+    f.cboSelectQuery->setCurrentIndex(0);
     QStringList empty{CreateAreaDescription(RGB(0, 0, 255))};
     f.cboSelectQuery->setItemText(0, "No Query (Base Map)");
     testsupport::recorder().clear();

@@ -97,7 +97,8 @@ protected:
         auto layer = std::make_shared<MapLayer>();
         layer->setGeoDataset(GeoDataset::open(QString::fromStdString(path)));
         layer->Tag = QString::fromStdString(file);
-        frmMain().Map1->Layers().Clear(), frmMain().Map1->Layers().Add(layer);
+        frmMain().Map1->Layers().Clear();
+        frmMain().Map1->Layers().Add(layer);
         cLayerIndex = std::make_shared<Collection<int>>();
         cLayerIndex->Add(0, layer->Tag);
     }
@@ -189,7 +190,8 @@ TEST_F(SaveTest, SilentStopsWriteNothingATitleEarlierInThePathCutsTheDirectorySh
     EXPECT_EQ(recorder().fileRequests.size(), 2u);
 
     // After the off-grid query with no query before it: no field name.
-    cFieldValues.reset(), sFieldName.clear();
+    cFieldValues.reset();
+    sFieldName.clear();
     saveAs("none.shp");
     EXPECT_TRUE(recorder().boxes.empty() && filesIn(dir).empty());
 
@@ -251,7 +253,8 @@ TEST_F(SaveTest, ReplacesAnExistingSetAsAWholeAndUnwritableTargetsEndWithTheFail
 
     // Where the set cannot be made the user hears of it, the program goes on and nothing else on disk changes.
     recorder().clear();
-    fs::remove_all(dir), fs::create_directories(dir);
+    fs::remove_all(dir);
+    fs::create_directories(dir);
     setResult({square(0, 0, 10), square(50, 0, 10)}, "WINDPWRD", {200, 300});
 
     // The name is taken by a directory.
