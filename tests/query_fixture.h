@@ -32,11 +32,7 @@ inline FrmMain& freshMain()
     return f;
 }
 
-inline std::string rect(double x, double y, double w, double h)
-{
-    auto n = [](double v) { return QString::number(v, 'f', 6); };
-    return QString("POLYGON((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))").arg(n(x), n(y), n(x + w), n(y + h)).toStdString();
-}
+inline std::string rect(double x, double y, double w, double h) { return testsupport::box(x, y, x + w, y + h); }
 
 struct Poly { std::string wkt; double value; };
 
@@ -133,5 +129,3 @@ inline FrmMain& panel(const std::string& dir, const QString& query, const QStrin
 }
 
 }  // namespace qf
-
-namespace qrun = qf;

@@ -10,7 +10,7 @@
 #include "query_fixture.h"
 #include "results/frmShowQueryData.h"
 
-using namespace qrun;
+using namespace qf;
 
 namespace {
 

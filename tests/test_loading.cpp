@@ -262,7 +262,7 @@ TEST(RealFiles, LayersLoadAsOtherToolsLeaveThem)
                 FAIL() << it.key().toStdString();
         const auto before = filesOf(q(dir));
 
-        qrun::panel(dir, qrun::kWindQuery, "200", "Max").cmdUpdateMap->click();
+        qf::panel(dir, qf::kWindQuery, "200", "Max").cmdUpdateMap->click();
         QStringList table;
         if (const auto rows = QueryDataTable())
             for (const QueryDataRow& r : *rows)

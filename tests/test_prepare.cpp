@@ -176,7 +176,7 @@ TEST(Prepare, ReprojectedLayersCoverTheBoundaryRoadsKeepTheirMarginAndGeneratedS
     const PrepareRun run = prepareRun(generated + "/recipe.toml", generated + "/out");
     ASSERT_EQ(run.code, 0) << run.err;
 
-    FrmMain& form = qrun::panel(generated + "/out", qrun::kWindQuery, "200", "Max");
+    FrmMain& form = qf::panel(generated + "/out", qf::kWindQuery, "200", "Max");
     EXPECT_EQ(form.Map1->Layers().Count(), 26);  // all but 21_wind and 22_wind
     EXPECT_TRUE(testsupport::recorder().boxes.empty());
     form.cmdUpdateMap->click();
