@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QHash>
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <mutex>
 #include <cpl_conv.h>
@@ -13,6 +14,7 @@
 #include <gdal_priv.h>
 #include <ogr_feature.h>
 #include <ogr_geometry.h>
+#include <ogr_swq.h>
 #include <ogrsf_frmts.h>
 
 #include "mapping/dbftext.h"
@@ -29,6 +31,41 @@ void registerDrivers()
         CPLSetConfigOption("USE_OSR_FIND_MATCHES", "NO");
         GDALAllRegister();
     });
+}
+
+// Where an expression compares one field with numbers only (=, <>, <, <=, >,
+// >=, BETWEEN, IN, joined by AND, OR and NOT), its answer can change only at
+// those numbers, as the expression engine compares them: plainly, as doubles
+// or as integers. Gathers them; false where anything else takes part
+// (arithmetic, functions, texts, NULL).
+bool numberCuts(const swq_expr_node* n, int column, std::vector<double>& cuts)
+{
+    if (!n) return false;
+    switch (n->eNodeType) {
+    case SNT_COLUMN:
+        return n->field_index == column && n->table_index == 0;
+    case SNT_CONSTANT:
+        if (n->is_null) return false;
+        if (n->field_type == SWQ_FLOAT) {
+            cuts.push_back(n->float_value);
+            return true;
+        }
+        if (SWQ_IS_INTEGER(n->field_type) && std::abs(n->int_value) <= (GIntBig(1) << 53)) {
+            cuts.push_back(double(n->int_value));
+            return true;
+        }
+        return false;
+    case SNT_OPERATION:
+        switch (n->nOperation) {
+        case SWQ_OR: case SWQ_AND: case SWQ_NOT: case SWQ_EQ: case SWQ_NE: case SWQ_GE:
+        case SWQ_LE: case SWQ_LT: case SWQ_GT: case SWQ_IN: case SWQ_BETWEEN: break;
+        default: return false;
+        }
+        for (int i = 0; i < n->nSubExprCount; ++i)
+            if (!numberCuts(n->papoSubExpr[i], column, cuts)) return false;
+        return true;
+    }
+    return false;
 }
 
 // GDAL reports to stderr unless told otherwise; a file that cannot be read is
@@ -201,55 +238,56 @@ std::vector<int> GeoDataset::select(const QString& expression) const
     };
 
     std::vector<int> out;
-    // The cells of a resource grid share a few thousand values: where the
-    // expression names a single field of the table and nothing else of the
-    // record, each distinct value is evaluated once. Where the values hardly
-    // repeat, remembering them costs more than it saves, and the rest is
-    // evaluated record by record. The first 4,096 records tell: while most
-    // values are still unseen, repeats grow with the square of the records
-    // read, so the repeats found there are scaled by the table's length, and
-    // the memo is kept where one record in eight or more would repeat an
-    // earlier value. A fine grid of a quarter of a million cells repeats only
-    // 4% of its values in its first 4,096 records but 60% over the whole.
-    constexpr int kTrial = 4096;
     int r = 0;
     if (namesUsed == 1 && columns.size() == 1 && columns[0] != nf) {
         const int c = columns[0];
-        const bool text = fields_[size_t(c)].type == moString;
-        const bool integer = fields_[size_t(c)].type == moLong;
-        QHash<quint64, bool> numbers;
-        QHash<QString, bool> texts;
-        int ofNull = -1;
-        int repeats = 0;
-        for (; r < count(); ++r) {
-            if (r == kTrial) {
-                if (double(repeats) * count() < double(kTrial) * kTrial / 8) break;
-                if (!text) numbers.reserve(count() - r);  // no rehashing of a growing table
-            }
-            if (isDeleted(r)) continue;
-            const QVariant& v = value(r, c);
-            bool selected;
-            if (!v.isValid() || v.isNull()) {
-                repeats += ofNull >= 0;
-                if (ofNull < 0) ofNull = evaluate(r);
-                selected = ofNull;
-            } else if (text) {
-                auto it = texts.constFind(v.toString());
-                repeats += it != texts.constEnd();
-                selected = it != texts.constEnd() ? *it : *texts.insert(v.toString(), evaluate(r));
-            } else {
-                quint64 bits;
-                if (integer) {
-                    bits = quint64(v.toLongLong());
+        const int type = fields_[size_t(c)].type;
+        std::vector<double> cuts;
+        if ((type == moLong || type == moDouble) && numberCuts(static_cast<const swq_expr_node*>(fq.GetSWQExpr()), c, cuts)) {
+            // The answer is the same for every value between two neighbouring
+            // cuts and for each cut itself: one evaluation per stretch met.
+            std::sort(cuts.begin(), cuts.end());
+            cuts.erase(std::unique(cuts.begin(), cuts.end()), cuts.end());
+            std::vector<signed char> answers(2 * cuts.size() + 1, -1);
+            signed char ofNull = -1;
+            for (; r < count(); ++r) {
+                if (isDeleted(r)) continue;
+                const QVariant& v = value(r, c);
+                bool selected;
+                if (!v.isValid() || v.isNull()) {
+                    if (ofNull < 0) ofNull = evaluate(r);
+                    selected = ofNull;
                 } else {
-                    const double d = v.toDouble();
-                    std::memcpy(&bits, &d, sizeof bits);
+                    // Integers beyond 2^53 have no double of their own.
+                    const double d = type == moLong ? double(v.toLongLong()) : v.toDouble();
+                    if (std::isnan(d) || std::abs(d) > 9007199254740992.0) {
+                        selected = evaluate(r);
+                    } else {
+                        const size_t at = size_t(std::lower_bound(cuts.begin(), cuts.end(), d) - cuts.begin());
+                        signed char& answer = answers[2 * at + (at < cuts.size() && cuts[at] == d)];
+                        if (answer < 0) answer = evaluate(r);
+                        selected = answer;
+                    }
                 }
-                auto it = numbers.constFind(bits);
-                repeats += it != numbers.constEnd();
-                selected = it != numbers.constEnd() ? *it : *numbers.insert(bits, evaluate(r));
+                if (selected) out.push_back(r);
             }
-            if (selected) out.push_back(r);
+        } else if (type == moString) {
+            // Land-use names and the like: a few names over many records.
+            QHash<QString, bool> texts;
+            signed char ofNull = -1;
+            for (; r < count(); ++r) {
+                if (isDeleted(r)) continue;
+                const QVariant& v = value(r, c);
+                bool selected;
+                if (!v.isValid() || v.isNull()) {
+                    if (ofNull < 0) ofNull = evaluate(r);
+                    selected = ofNull;
+                } else {
+                    auto it = texts.constFind(v.toString());
+                    selected = it != texts.constEnd() ? *it : *texts.insert(v.toString(), evaluate(r));
+                }
+                if (selected) out.push_back(r);
+            }
         }
     }
     for (; r < count(); ++r)

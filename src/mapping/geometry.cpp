@@ -235,9 +235,10 @@ ShapePtr GeoShape::Intersect(const ShapePtr& other, const RectanglePtr&) const
     GeomPtr o = other->geom();
     const bool areas = shapeType() == moPolygon && isPolygonal(o.get());
     if (areas) {
-        // Exact shortcuts for the common cases: one lies inside the other.
+        // Exact shortcuts for the common cases: one lies inside the other. The
+        // inner one comes back as it is; geometries are never changed once made.
         if (env_.contains(oe) && GEOSPreparedContainsProperly_r(h, prepared(), o.get()) == 1)
-            return shapeFromGeom(adoptGeom(cloneOf(o.get())));
+            return shapeFromGeom(o);
         if (auto os = std::dynamic_pointer_cast<const GeoShape>(other)) {
             if (oe.contains(env_) && GEOSPreparedContainsProperly_r(h, os->prepared(), g_.get()) == 1)
                 return shapeFromGeom(g_);
