@@ -141,6 +141,10 @@ TEST(Selection, RepeatedValuesNullsAndRecordNumbersSelectAsRecordByRecordAndText
     ASSERT_TRUE(cut);
     EXPECT_EQ(idsOf(cut->SearchExpression("WINDPWRD > 5 AND WINDPWRD <= 5.5")), (std::vector<int>{6, 19, 32}));
     EXPECT_EQ(idsOf(cut->SearchExpression("ZONE > -0.5 AND ZONE < 1")).size(), 8u);  // zone 0: every fifth cell
+    // The least number of a field, which the legend's lowest class reads.
+    const GeoDatasetPtr cutData = cut->GeoDataset();
+    EXPECT_EQ(QList<double>({cutData->lowestNumber(0), cutData->lowestNumber(1), cutData->lowestNumber(2)}),
+              QList<double>({-1, -2, std::numeric_limits<double>::infinity()}));
     for (const char* e : {"WINDPWRD >= 5 AND WINDPWRD <= 6.5", "WINDPWRD > 5", "WINDPWRD <> 5.5", "NOT (WINDPWRD < 4)",
                           "WINDPWRD IN (4, 5.5, 7)", "WINDPWRD BETWEEN 4 AND 6.75", "WINDPWRD = 5 OR WINDPWRD > 1000",
                           "WINDPWRD * 2 > 11", "WINDPWRD > '5'", "WINDPWRD < 0 OR NOT (WINDPWRD <> 6.75)",

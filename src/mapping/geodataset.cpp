@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <mutex>
 #include <cpl_conv.h>
 #include <cpl_error.h>
@@ -318,6 +319,32 @@ int GeoDataset::fieldIndex(const QString& name) const
     return -1;
 }
 
+double GeoDataset::lowestNumber(int field) const
+{
+    if (field < 0 || size_t(field) >= fields_.size()) return std::numeric_limits<double>::infinity();
+    if (lowest_.size() != fields_.size()) lowest_.assign(fields_.size(), std::nan(""));
+    double& lowest = lowest_[size_t(field)];
+    if (std::isnan(lowest)) {
+        lowest = std::numeric_limits<double>::infinity();
+        for (int i = 0; i < count(); ++i) {
+            const QVariant& v = value(i, field);
+            switch (v.typeId()) {
+            case QMetaType::Double:
+            case QMetaType::Float:
+            case QMetaType::Int:
+            case QMetaType::UInt:
+            case QMetaType::LongLong:
+            case QMetaType::ULongLong:
+                lowest = std::min(lowest, v.toDouble());
+                break;
+            default:
+                break;
+            }
+        }
+    }
+    return lowest;
+}
+
 ShapePtr GeoDataset::shape(int fid) const
 {
     const Record& r = records_.at(size_t(fid));
@@ -538,6 +565,7 @@ void GeoDataset::append(const ShapePtr& shape, const std::vector<QVariant>& valu
         rec.env = shape->envelope();
     }
     extent_.expand(rec.env);
+    lowest_.clear();
     records_.push_back(std::move(rec));
     for (size_t c = 0; c < fields_.size(); ++c) values_.push_back(c < values.size() ? values[c] : QVariant());
 }

@@ -56,6 +56,9 @@ public:
     // Map-unit outlines for drawing: polygon rings, line paths, or one point.
     const std::vector<QPolygonF>& parts(int fid) const { return records_[size_t(fid)].parts; }
     const Envelope& extent() const { return extent_; }
+    // The least number in a field; infinity where it holds none or there is no
+    // such field. The legend asks at every refill, so it is read once.
+    double lowestNumber(int field) const;
     CoordinateSystemPtr coordinateSystem() const { return srs_; }
 
     // Records matching an attribute expression, in record order. A malformed
@@ -92,6 +95,7 @@ private:
     Envelope extent_;
     CoordinateSystemPtr srs_;
     std::unique_ptr<Index> index_;
+    mutable std::vector<double> lowest_;  // per field, NaN until read
     mutable std::unique_ptr<Query> query_;  // in-memory attribute table for the expression engine, made at first use
     std::unique_ptr<Writer> writer_;
 };

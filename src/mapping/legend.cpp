@@ -35,22 +35,6 @@ QString legendNumber(double v)
     return s;
 }
 
-bool numeric(const QVariant& v, double& out)
-{
-    switch (v.typeId()) {
-    case QMetaType::Double:
-    case QMetaType::Float:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-        out = v.toDouble();
-        return true;
-    default:
-        return false;
-    }
-}
-
 }  // namespace
 
 struct Legend::Impl {
@@ -83,15 +67,7 @@ struct Legend::Impl {
             return out;
         }
         // The lowest class starts at 0 unless the data goes below it.
-        double lowest = std::numeric_limits<double>::infinity();
-        if (ds) {
-            int f = ds->fieldIndex(r.Field);
-            if (f >= 0)
-                for (int i = 0; i < ds->count(); ++i) {
-                    double v = 0;
-                    if (numeric(ds->value(i, f), v)) lowest = std::min(lowest, v);
-                }
-        }
+        const double lowest = ds ? ds->lowestNumber(ds->fieldIndex(r.Field)) : std::numeric_limits<double>::infinity();
         const double b0 = r.Break(0);
         double lo = b0 > 0 && !(lowest < 0) ? 0 : lowest;
         out.push_back({r.Symbol(0), lo < b0 ? legendNumber(lo) + " - " + legendNumber(b0)
