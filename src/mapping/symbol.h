@@ -14,7 +14,7 @@ constexpr int GreenOf(int c) { return (c >> 8) & 0xFF; }
 constexpr int BlueOf(int c) { return (c >> 16) & 0xFF; }
 
 struct FontDesc {
-    QString Name = "MS Sans Serif";
+    QString Name = QStringLiteral("MS Sans Serif");
     bool Bold = false;
     double Size = 8.25;
 };
