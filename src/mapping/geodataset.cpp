@@ -149,6 +149,7 @@ void collectParts(const OGRGeometry* g, std::vector<QPolygonF>& out)
 
 struct GeoDataset::Index {
     GEOSSTRtree* tree = nullptr;
+    size_t records = 0;  // those the tree holds; later ones are written, not indexed
     ~Index() { if (tree) GEOSSTRtree_destroy_r(geosContext(), tree); }
 };
 
@@ -157,6 +158,7 @@ void GeoDataset::buildIndex()
     index_ = std::make_unique<Index>();
     auto h = geosContext();
     index_->tree = GEOSSTRtree_create_r(h, 10);
+    index_->records = records_.size();
     for (size_t i = 0; i < records_.size(); ++i)
         if (records_[i].geom) GEOSSTRtree_insert_r(h, index_->tree, records_[i].geom.get(), reinterpret_cast<void*>(i + 1));
 }
@@ -165,6 +167,14 @@ std::vector<int> GeoDataset::candidates(const Envelope& env) const
 {
     std::vector<int> out;
     if (!index_ || env.isEmpty() || records_.empty()) return out;
+    // A box round the whole layer, as at full extent, meets every record the
+    // tree holds; they are listed in order without walking it and sorting.
+    if (env.contains(extent_)) {
+        out.reserve(index_->records);
+        for (size_t i = 0; i < index_->records; ++i)
+            if (records_[i].geom && !records_[i].env.isEmpty()) out.push_back(int(i));
+        return out;
+    }
     auto h = geosContext();
     GeomPtr box = adoptGeom(GEOSGeom_createRectangle_r(h, env.minX, env.minY, env.maxX, env.maxY));
     GEOSSTRtree_query_r(h, index_->tree, box.get(),
