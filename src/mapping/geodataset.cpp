@@ -360,8 +360,8 @@ ShapePtr GeoDataset::shape(int fid) const
     const Record& r = records_.at(size_t(fid));
     if (!r.geom) return nullptr;
     switch (r.type) {
-    case moPolygon: return std::make_shared<Polygon>(r.geom);
-    case moLine: return std::make_shared<Line>(r.geom);
+    case moPolygon: return std::make_shared<Polygon>(r.geom, r.env);
+    case moLine: return std::make_shared<Line>(r.geom, r.env);
     case moPoint: return std::make_shared<Point>(r.geom);
     default: return shapeFromGeom(r.geom);
     }

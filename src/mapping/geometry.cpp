@@ -209,6 +209,11 @@ GeoShape::GeoShape(GeomPtr g) : g_(std::move(g))
     env_ = Envelope::of(g_.get());
 }
 
+GeoShape::GeoShape(GeomPtr g, const Envelope& env) : g_(std::move(g)), env_(env)
+{
+    if (!g_) throw MapError("empty shape");
+}
+
 const GEOSPreparedGeometry* GeoShape::prepared() const
 {
     if (!prepared_) {

@@ -106,6 +106,8 @@ private:
 class GeoShape : public Shape {
 public:
     explicit GeoShape(GeomPtr g);
+    // With its box already known, as a layer keeps it for each record.
+    GeoShape(GeomPtr g, const Envelope& env);
     GeomPtr geom() const override { return g_; }
     Envelope envelope() const override { return env_; }
 
