@@ -41,6 +41,7 @@ void registerDrivers()
 // (arithmetic, functions, texts, NULL).
 bool numberCuts(const swq_expr_node* n, int column, std::vector<double>& cuts)
 {
+    constexpr GIntBig kExact = GIntBig(1) << 53;  // beyond it integers have no double of their own
     if (!n) return false;
     switch (n->eNodeType) {
     case SNT_COLUMN:
@@ -51,7 +52,7 @@ bool numberCuts(const swq_expr_node* n, int column, std::vector<double>& cuts)
             cuts.push_back(n->float_value);
             return true;
         }
-        if (SWQ_IS_INTEGER(n->field_type) && std::abs(n->int_value) <= (GIntBig(1) << 53)) {
+        if (SWQ_IS_INTEGER(n->field_type) && n->int_value >= -kExact && n->int_value <= kExact) {
             cuts.push_back(double(n->int_value));
             return true;
         }
@@ -254,7 +255,8 @@ std::vector<int> GeoDataset::select(const QString& expression) const
         const int c = columns[0];
         const int type = fields_[size_t(c)].type;
         std::vector<double> cuts;
-        if ((type == moLong || type == moDouble) && numberCuts(static_cast<const swq_expr_node*>(fq.GetSWQExpr()), c, cuts)) {
+        const auto* tree = static_cast<const swq_expr_node*>(fq.GetSWQExpr());
+        if ((type == moLong || type == moDouble) && numberCuts(tree, c, cuts)) {
             // The answer is the same for every value between two neighbouring
             // cuts and for each cut itself: one evaluation per stretch met.
             std::sort(cuts.begin(), cuts.end());
@@ -271,7 +273,7 @@ std::vector<int> GeoDataset::select(const QString& expression) const
                 } else {
                     // Integers beyond 2^53 have no double of their own.
                     const double d = type == moLong ? double(v.toLongLong()) : v.toDouble();
-                    if (std::isnan(d) || std::abs(d) > 9007199254740992.0) {
+                    if (std::isnan(d) || std::abs(d) > 9007199254740992.0) {  // 2^53
                         selected = evaluate(r);
                     } else {
                         const size_t at = size_t(std::lower_bound(cuts.begin(), cuts.end(), d) - cuts.begin());
