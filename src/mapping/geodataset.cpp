@@ -250,61 +250,53 @@ std::vector<int> GeoDataset::select(const QString& expression) const
     };
 
     std::vector<int> out;
-    int r = 0;
-    if (namesUsed == 1 && columns.size() == 1 && columns[0] != nf) {
-        const int c = columns[0];
-        const int type = fields_[size_t(c)].type;
-        std::vector<double> cuts;
-        const auto* tree = static_cast<const swq_expr_node*>(fq.GetSWQExpr());
-        if ((type == moLong || type == moDouble) && numberCuts(tree, c, cuts)) {
-            // The answer is the same for every value between two neighbouring
-            // cuts and for each cut itself: one evaluation per stretch met.
-            std::sort(cuts.begin(), cuts.end());
-            cuts.erase(std::unique(cuts.begin(), cuts.end()), cuts.end());
-            std::vector<signed char> answers(2 * cuts.size() + 1, -1);
-            signed char ofNull = -1;
-            for (; r < count(); ++r) {
-                if (isDeleted(r)) continue;
-                const QVariant& v = value(r, c);
-                bool selected;
-                if (!v.isValid() || v.isNull()) {
-                    if (ofNull < 0) ofNull = evaluate(r);
-                    selected = ofNull;
-                } else {
-                    // Integers beyond 2^53 have no double of their own.
-                    const double d = type == moLong ? double(v.toLongLong()) : v.toDouble();
-                    if (std::isnan(d) || std::abs(d) > 9007199254740992.0) {  // 2^53
-                        selected = evaluate(r);
-                    } else {
-                        const size_t at = size_t(std::lower_bound(cuts.begin(), cuts.end(), d) - cuts.begin());
-                        signed char& answer = answers[2 * at + (at < cuts.size() && cuts[at] == d)];
-                        if (answer < 0) answer = evaluate(r);
-                        selected = answer;
-                    }
-                }
-                if (selected) out.push_back(r);
+    // Where the expression names one field of the table and nothing else of the
+    // record, a null is evaluated once and every other value as answerOf says.
+    auto walk = [&](int c, auto answerOf) {
+        signed char ofNull = -1;
+        for (int r = 0; r < count(); ++r) {
+            if (isDeleted(r)) continue;
+            const QVariant& v = value(r, c);
+            bool selected;
+            if (!v.isValid() || v.isNull()) {
+                if (ofNull < 0) ofNull = evaluate(r);
+                selected = ofNull;
+            } else {
+                selected = answerOf(r, v);
             }
-        } else if (type == moString) {
-            // Land-use names and the like: a few names over many records.
-            QHash<QString, bool> texts;
-            signed char ofNull = -1;
-            for (; r < count(); ++r) {
-                if (isDeleted(r)) continue;
-                const QVariant& v = value(r, c);
-                bool selected;
-                if (!v.isValid() || v.isNull()) {
-                    if (ofNull < 0) ofNull = evaluate(r);
-                    selected = ofNull;
-                } else {
-                    auto it = texts.constFind(v.toString());
-                    selected = it != texts.constEnd() ? *it : *texts.insert(v.toString(), evaluate(r));
-                }
-                if (selected) out.push_back(r);
-            }
+            if (selected) out.push_back(r);
         }
+    };
+    const int c = namesUsed == 1 && columns.size() == 1 && columns[0] != nf ? columns[0] : -1;
+    const int type = c >= 0 ? fields_[size_t(c)].type : -1;
+    std::vector<double> cuts;
+    if ((type == moLong || type == moDouble) &&
+        numberCuts(static_cast<const swq_expr_node*>(fq.GetSWQExpr()), c, cuts)) {
+        // The answer is the same for every value between two neighbouring
+        // cuts and for each cut itself: one evaluation per stretch met.
+        std::sort(cuts.begin(), cuts.end());
+        cuts.erase(std::unique(cuts.begin(), cuts.end()), cuts.end());
+        std::vector<signed char> answers(2 * cuts.size() + 1, -1);
+        walk(c, [&](int r, const QVariant& v) -> bool {
+            // Integers beyond 2^53 have no double of their own.
+            const double d = type == moLong ? double(v.toLongLong()) : v.toDouble();
+            if (std::isnan(d) || std::abs(d) > 9007199254740992.0) return evaluate(r);  // 2^53
+            const size_t at = size_t(std::lower_bound(cuts.begin(), cuts.end(), d) - cuts.begin());
+            signed char& answer = answers[2 * at + (at < cuts.size() && cuts[at] == d)];
+            if (answer < 0) answer = evaluate(r);
+            return answer;
+        });
+    } else if (type == moString) {
+        // Land-use names and the like: a few names over many records.
+        QHash<QString, bool> texts;
+        walk(c, [&](int r, const QVariant& v) -> bool {
+            auto it = texts.constFind(v.toString());
+            return it != texts.constEnd() ? *it : *texts.insert(v.toString(), evaluate(r));
+        });
+    } else {
+        for (int r = 0; r < count(); ++r)
+            if (!isDeleted(r) && evaluate(r)) out.push_back(r);
     }
-    for (; r < count(); ++r)
-        if (!isDeleted(r) && evaluate(r)) out.push_back(r);
     if (CPLGetLastErrorType() == CE_Failure) throw MapError("expression could not be evaluated");
     return out;
 }
